@@ -1,0 +1,43 @@
+# Warnings and hardening that every target of this tree shares.
+add_library(quorvale_options INTERFACE)
+target_include_directories(quorvale_options INTERFACE ${PROJECT_SOURCE_DIR}/QuorvaleHelper)
+target_compile_options(quorvale_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual
+  -Wimplicit-fallthrough -fstack-protector-strong
+  $<$<BOOL:${QUORVALE_WERROR}>:-Werror>)
+target_compile_definitions(quorvale_options INTERFACE
+  QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_FOREACH
+  $<$<CONFIG:Release>:_FORTIFY_SOURCE=2>)
+if(QUORVALE_SANITIZE)
+  target_compile_options(quorvale_options INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+  target_link_options(quorvale_options INTERFACE -fsanitize=address,undefined)
+endif()
+
+# quorvale_library(name SOURCES file... [LINKS target...] [PRIVATE_LINKS target...])
+# A static library. LINKS are seen by those who include its headers, PRIVATE_LINKS are not.
+function(quorvale_library name)
+  cmake_parse_arguments(arg "" "" "SOURCES;LINKS;PRIVATE_LINKS" ${ARGN})
+  add_library(${name} STATIC ${arg_SOURCES})
+  target_link_libraries(${name} PUBLIC quorvale_options ${arg_LINKS} PRIVATE ${arg_PRIVATE_LINKS})
+endfunction()
+
+# quorvale_test(name SOURCES file... LINKS target... [WIDGETS] [TIMEOUT seconds] [DEPENDS target...])
+# One GoogleTest program, one CTest entry for each of its tests. Its main() runs a QCoreApplication, with
+# WIDGETS a QApplication on Qt's offscreen platform.
+function(quorvale_test name)
+  cmake_parse_arguments(arg "WIDGETS" "TIMEOUT" "SOURCES;LINKS;DEPENDS" ${ARGN})
+  add_executable(${name} ${arg_SOURCES})
+  target_link_libraries(${name} PRIVATE quorvale_test_support ${arg_LINKS} GTest::gmock)
+  if(arg_WIDGETS)
+    target_link_libraries(${name} PRIVATE quorvale_widgets_main)
+  else()
+    target_link_libraries(${name} PRIVATE quorvale_core_main)
+  endif()
+  if(arg_DEPENDS)
+    add_dependencies(${name} ${arg_DEPENDS})
+  endif()
+  if(NOT arg_TIMEOUT)
+    set(arg_TIMEOUT 60)
+  endif()
+  gtest_discover_tests(${name} TEST_PREFIX "${name}." DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT ${arg_TIMEOUT})
+endfunction()
