@@ -1,0 +1,56 @@
+#pragma once
+
+#include "platform/log/Entry.hpp"
+
+#include <cstddef>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+namespace quorvale::platform::log {
+
+/// This process's log messages, kept in memory for reading back: the newest ones, within a budget of bytes.
+///
+/// Entries lie one behind the other in chunks that are never changed below what is written, and the oldest chunk
+/// is dropped as a whole when a new one would exceed the budget. So a full store holds between fifteen sixteenths
+/// of its budget and all of it. An entry that alone exceeds a sixteenth gets a chunk of its own; one that alone
+/// exceeds the budget is not kept.
+class EntryStore {
+public:
+    static constexpr std::size_t defaultBudget = std::size_t{64} << 20;
+
+    /// `budget` is in bytes and counts messages and bookkeeping.
+    explicit EntryStore(std::size_t budget = defaultBudget);
+
+    /// The one stored copy of an identity; it lives as long as the store. Any thread.
+    const Identity& identity(Identity identity);
+
+    /// Adds a message. `identity` is one of this store's. Any thread; waits for other writers, never for a walk.
+    void append(const Entry& entry);
+
+    /// Calls `visit` with every entry that was there when the call was made, oldest first, however long that takes
+    /// and whatever is written meanwhile. Any thread.
+    void walk(const std::function<void(const Entry&)>& visit) const;
+
+private:
+    struct Chunk {
+        explicit Chunk(std::size_t capacity);
+
+        std::unique_ptr<std::byte[]> bytes;
+        std::size_t capacity;
+        std::size_t used = 0;
+    };
+
+    std::byte* reserve(std::size_t size);
+
+    const std::size_t budget_;
+    const std::size_t chunkSize_;
+    mutable std::mutex mutex_;
+    std::deque<std::shared_ptr<Chunk>> chunks_;
+    std::size_t reserved_ = 0;
+    std::deque<Identity> identities_;
+};
+
+} // namespace quorvale::platform::log

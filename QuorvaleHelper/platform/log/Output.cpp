@@ -1,0 +1,99 @@
+#include "platform/log/Output.hpp"
+
+#define SD_JOURNAL_SUPPRESS_LOCATION
+#include <systemd/sd-journal.h>
+
+#include <array>
+#include <cstdio>
+#include <ctime>
+#include <string>
+#include <sys/uio.h>
+#include <syslog.h>
+#include <unistd.h>
+
+namespace quorvale::platform::log {
+
+namespace {
+
+class JournalOutput final : public Output {
+public:
+    void write(const Entry& entry, std::string_view format) override {
+        const std::array fields{
+            std::string("PRIORITY=") + std::to_string(entry.level == Level::error ? LOG_ERR : LOG_INFO),
+            "SUBSYSTEM=" + entry.identity.subsystem,
+            "CATEGORY=" + entry.identity.category,
+            std::string("FORMAT=").append(format),
+            std::string("MESSAGE=").append(entry.composedMessage),
+        };
+        std::array<iovec, fields.size()> parts{};
+        for (std::size_t i = 0; i < fields.size(); ++i) {
+            parts[i] = {const_cast<char*>(fields[i].data()), fields[i].size()};
+        }
+        sd_journal_sendv(parts.data(), static_cast<int>(parts.size()));
+    }
+};
+
+void appendEscaped(std::string& line, std::string_view text) {
+    for (const char character : text) {
+        const auto byte = static_cast<unsigned char>(character);
+        if (character == '\n') {
+            line += "\\n";
+        } else if (character == '\t') {
+            line += "\\t";
+        } else if (byte < 0x20 || byte == 0x7f) {
+            std::array<char, 5> escape{};
+            std::snprintf(escape.data(), escape.size(), "\\x%02x", byte);
+            line += escape.data();
+        } else {
+            line += character;
+        }
+    }
+}
+
+void appendTime(std::string& line, std::chrono::system_clock::time_point date) {
+    using namespace std::chrono;
+    const auto second = floor<seconds>(date);
+    const auto milliseconds = static_cast<int>(floor<std::chrono::milliseconds>(date - second).count());
+    const auto time = system_clock::to_time_t(second);
+    std::tm parts{};
+    gmtime_r(&time, &parts);
+    std::array<char, 32> text{};
+    line.append(text.data(), std::strftime(text.data(), text.size(), "%FT%T", &parts));
+    line.append(text.data(), static_cast<std::size_t>(std::snprintf(text.data(), text.size(), ".%03dZ", milliseconds)));
+}
+
+class LineOutput final : public Output {
+public:
+    explicit LineOutput(int fileDescriptor) : fileDescriptor_(fileDescriptor) {}
+
+    void write(const Entry& entry, std::string_view /*format*/) override {
+        std::string line;
+        appendTime(line, entry.date);
+        line += ' ' + entry.identity.subsystem + ' ' + entry.identity.category;
+        line += entry.level == Level::error ? " error " : " info ";
+        appendEscaped(line, entry.composedMessage);
+        line += '\n';
+        // One call a line, so that lines of several threads do not mix. A closed descriptor loses the line, as it must.
+        [[maybe_unused]] const auto written = ::write(fileDescriptor_, line.data(), line.size());
+    }
+
+private:
+    int fileDescriptor_;
+};
+
+} // namespace
+
+std::unique_ptr<Output> journalOutput() {
+    return std::make_unique<JournalOutput>();
+}
+
+std::unique_ptr<Output> lineOutput(int fileDescriptor) {
+    return std::make_unique<LineOutput>(fileDescriptor);
+}
+
+std::unique_ptr<Output> systemOutput() {
+    const bool journalRuns = ::access("/run/systemd/journal/socket", W_OK) == 0;
+    return journalRuns ? journalOutput() : lineOutput(STDERR_FILENO);
+}
+
+} // namespace quorvale::platform::log
