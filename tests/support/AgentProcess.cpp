@@ -1,0 +1,18 @@
+#include "support/AgentProcess.hpp"
+
+#include <gtest/gtest.h>
+
+namespace quorvale::tests {
+
+AgentProcess::AgentProcess(const PrivateBus& bus, const std::vector<std::string>& arguments)
+    : process_({.program = QUORVALE_AGENT_SIMULATOR,
+                .arguments = arguments,
+                .environment = {{"DBUS_SYSTEM_BUS_ADDRESS", bus.address()}}}) {
+    EXPECT_TRUE(waitForEvent("ready ")) << "the agent doesn't get its name";
+}
+
+std::optional<std::string> AgentProcess::waitForEvent(std::string_view beginning, std::chrono::milliseconds deadline) {
+    return process_.waitForLine([beginning](std::string_view line) { return line.starts_with(beginning); }, deadline);
+}
+
+} // namespace quorvale::tests
