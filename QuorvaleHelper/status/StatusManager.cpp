@@ -3,7 +3,8 @@
 namespace quorvale::status {
 
 const std::shared_ptr<StatusManager>& StatusManager::shared() {
-    static const auto instance = std::make_shared<StatusManager>(platform::queue::MainQueue::shared());
+    // Never destroyed: a connection may hand over a status while the process ends.
+    static const auto& instance = *new auto(std::make_shared<StatusManager>(platform::queue::MainQueue::shared()));
     return instance;
 }
 

@@ -1,0 +1,5 @@
+#include "app/QuorvaleHelperApp.hpp"
+
+int main(int argc, char** argv) {
+    quorvale::app::QuorvaleHelperApp::main(argc, argv);
+}

@@ -1,0 +1,179 @@
+#include "platform/application/Application.hpp"
+
+#include <QApplication>
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusContext>
+#include <QDBusMessage>
+#include <QSocketNotifier>
+#include <QTimer>
+
+#include <csignal>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <sys/eventfd.h>
+#include <unistd.h>
+#include <utility>
+
+namespace quorvale::platform::application {
+
+namespace {
+
+int terminationRequested = -1;
+
+void requestTermination(int /*signal*/) {
+    const std::uint64_t one = 1;
+    [[maybe_unused]] const auto written = ::write(terminationRequested, &one, sizeof one);
+}
+
+/// The toolkit aborts when there is no display to open; a core dump would tell nobody anything.
+void reportMessage(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message) {
+    std::fprintf(stderr, "%s\n", qPrintable(message));
+    if (type == QtFatalMsg) {
+        std::_Exit(EXIT_FAILURE);
+    }
+}
+
+QString objectPath(const QString& identifier) {
+    return u'/' + QString(identifier).replace(u'.', u'/').replace(u'-', u'_');
+}
+
+constexpr auto interfaceName = "org.freedesktop.Application";
+
+} // namespace
+
+class Application::Session final : public QObject, protected QDBusContext {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")
+
+public:
+    Session(int& argc, char** argv, const std::string& identifier, const std::string& displayName)
+        : identifier_(QString::fromStdString(identifier)), application_(argc, argv) {
+        QApplication::setDesktopFileName(identifier_);
+        QApplication::setApplicationName(identifier_);
+        QApplication::setApplicationDisplayName(QString::fromStdString(displayName));
+        QApplication::setQuitOnLastWindowClosed(false);
+        connect(&application_, &QCoreApplication::aboutToQuit, this, [this] { terminate(EXIT_SUCCESS); });
+        watchSignals();
+    }
+
+    Instance claim() {
+        auto bus = QDBusConnection::sessionBus();
+        if (!bus.isConnected()) {
+            return Instance::noSessionBus;
+        }
+        bus.connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
+                    QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"), this,
+                    SLOT(busDisconnected()));
+        bus.registerObject(objectPath(identifier_), this, QDBusConnection::ExportScriptableSlots);
+        if (bus.registerService(identifier_)) {
+            return Instance::first;
+        }
+        auto activate = QDBusMessage::createMethodCall(identifier_, objectPath(identifier_),
+                                                       QLatin1String(interfaceName), QStringLiteral("Activate"));
+        activate << QVariantMap();
+        bus.call(activate);
+        return Instance::anotherRuns;
+    }
+
+    [[noreturn]] void run() {
+        QTimer::singleShot(0, this, [this] {
+            if (delegate) {
+                delegate->applicationDidFinishLaunching();
+            }
+        });
+        terminate(QApplication::exec());
+    }
+
+    [[noreturn]] void terminate(int status) {
+        if (auto* const told = std::exchange(delegate, nullptr)) {
+            told->applicationWillTerminate();
+        }
+        std::_Exit(status);
+    }
+
+    std::function<void()> onActivation;
+    std::function<void()> onSessionBusLoss;
+    ApplicationDelegate* delegate = nullptr;
+
+public Q_SLOTS:
+    Q_SCRIPTABLE void Activate(const QVariantMap& platformData) {
+        useActivationToken(platformData);
+        if (onActivation) {
+            onActivation();
+        }
+    }
+
+    Q_SCRIPTABLE void Open(const QStringList& /*uris*/, const QVariantMap& /*platformData*/) {
+        sendErrorReply(QDBusError::NotSupported, QStringLiteral("There is nothing to open."));
+    }
+
+    Q_SCRIPTABLE void ActivateAction(const QString& name, const QVariantList& /*parameter*/,
+                                     const QVariantMap& /*platformData*/) {
+        sendErrorReply(QDBusError::InvalidArgs, QStringLiteral("There is no action %1.").arg(name));
+    }
+
+private Q_SLOTS:
+    void busDisconnected() {
+        if (const auto handler = std::exchange(onSessionBusLoss, {})) {
+            handler();
+        }
+    }
+
+private:
+    /// The toolkit takes the token from the environment when it next shows a window.
+    static void useActivationToken(const QVariantMap& platformData) {
+        const auto token = platformData.value(QStringLiteral("activation-token")).toString();
+        if (!token.isEmpty()) {
+            qputenv("XDG_ACTIVATION_TOKEN", token.toUtf8());
+        }
+    }
+
+    void watchSignals() {
+        terminationRequested = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
+        auto* const notifier = new QSocketNotifier(terminationRequested, QSocketNotifier::Read, this);
+        connect(notifier, &QSocketNotifier::activated, this, [this] { terminate(EXIT_SUCCESS); });
+        for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
+            std::signal(signal, requestTermination);
+        }
+    }
+
+    const QString identifier_;
+    QApplication application_;
+};
+
+Application::Application(int& argc, char** argv, const std::string& identifier, const std::string& displayName) {
+    qInstallMessageHandler(reportMessage);
+    session_ = std::make_unique<Session>(argc, argv, identifier, displayName);
+}
+
+Application::~Application() = default;
+
+Instance Application::claimInstance() {
+    return session_->claim();
+}
+
+void Application::setActivationHandler(std::function<void()> handler) {
+    session_->onActivation = std::move(handler);
+}
+
+void Application::setSessionBusLossHandler(std::function<void()> handler) {
+    session_->onSessionBusLoss = std::move(handler);
+}
+
+void Application::setDelegate(ApplicationDelegate& delegate) {
+    session_->delegate = &delegate;
+}
+
+void Application::run() {
+    session_->run();
+}
+
+void Application::terminate(int status) {
+    session_->terminate(status);
+}
+
+} // namespace quorvale::platform::application
+
+#include "Application.moc"
