@@ -29,9 +29,9 @@ public:
 
     struct Launch {
         std::string program;
-        std::vector<std::string> arguments;
+        std::vector<std::string> arguments = {};
         /// Set besides what the test program's environment holds; no value takes a variable away.
-        std::map<std::string, std::optional<std::string>> environment;
+        std::map<std::string, std::optional<std::string>> environment = {};
         ErrorOutput errorOutput = ErrorOutput::Forwarded;
     };
 
