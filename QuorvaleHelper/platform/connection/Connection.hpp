@@ -46,8 +46,8 @@ public:
 
     /// Any thread; does not block. `reply` runs at most once, on the connection's queue.
     template <typename Reply, typename... Arguments>
-    void send(const Request<Reply, Arguments...>& method, std::type_identity_t<Arguments>... arguments,
-              std::type_identity_t<std::function<void(Reply)>> reply) const {
+    void send(const Request<Reply, Arguments...>& method, std::type_identity_t<std::function<void(Reply)>> reply,
+              std::type_identity_t<Arguments>... arguments) const {
         post(describe(method), {Value(std::move(arguments))...},
              [reply = std::move(reply)](Value value) { reply(std::get<Reply>(std::move(value))); });
     }

@@ -1,0 +1,356 @@
+#include "agent_link/HelperXPC.hpp"
+
+#include "agent_link/AgentCommunication.hpp"
+#include "support/AgentProcess.hpp"
+#include "support/RecordedLog.hpp"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <optional>
+#include <ranges>
+#include <string>
+#include <vector>
+
+namespace quorvale::agent_link {
+
+namespace {
+
+using namespace std::chrono_literals;
+using platform::connection::Connection;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::StartsWith;
+using tests::AgentProcess;
+using tests::PrivateBus;
+using tests::waitUntil;
+
+constexpr auto registered = "call registerClientWith";
+constexpr auto asked = "call agentState";
+constexpr auto agentActive = R"({"active":true})";
+
+class HelperXPCTest : public testing::Test {
+protected:
+    HelperXPCTest() {
+        qputenv("DBUS_SYSTEM_BUS_ADDRESS", QByteArray::fromStdString(bus_.address()));
+        observation_ = status_->objectWillChange([this] { ++notifications_; });
+    }
+
+    ~HelperXPCTest() override {
+        if (const auto& connection = link_->clientConnection()) {
+            const auto ended = log_.count(invalidated) + 1;
+            connection->invalidate();
+            EXPECT_TRUE(waitUntil([&] { return log_.count(invalidated) >= ended || connectionEnded_; }));
+        }
+    }
+
+    static std::vector<std::string> events(const AgentProcess& agent, std::string_view beginning) {
+        std::vector<std::string> found;
+        std::ranges::copy_if(agent.events(), std::back_inserter(found),
+                             [&](const auto& event) { return event.starts_with(beginning); });
+        return found;
+    }
+
+    bool logged(std::string_view line, std::ptrdiff_t times = 1) {
+        return waitUntil([&] { return log_.count(line) >= times; });
+    }
+
+    /// Connects to `agent` and returns when the helper has applied its state.
+    void connect(AgentProcess& agent) {
+        link_->connectToAgent();
+        ASSERT_TRUE(agent.waitForEvent("replied agentState"));
+        ASSERT_TRUE(logged("Initial State Changed: true"));
+        ASSERT_TRUE(waitUntil([&] { return status_->status(); }));
+    }
+
+    /// Everything that the agent sent before has been dealt with when this returns.
+    void exchangeMessage(AgentProcess& agent) {
+        agent.command("updateRulesStatus true");
+        ASSERT_TRUE(agent.waitForEvent("push-result updateRulesStatus"));
+    }
+
+    static constexpr auto invalidated = "Helper XPC: Connection invalidated";
+    static constexpr auto interrupted = "Helper XPC: Connection interrupted";
+
+    PrivateBus bus_;
+    tests::RecordedLog log_;
+    platform::queue::MainQueue mainQueue_;
+    std::shared_ptr<status::StatusManager> status_ = std::make_shared<status::StatusManager>(mainQueue_);
+    platform::observable::Subscription observation_;
+    int notifications_ = 0;
+    bool connectionEnded_ = false;
+    std::vector<std::chrono::seconds> pauses_;
+    std::shared_ptr<HelperXPC> link_ = std::make_shared<HelperXPC>(HelperXPC::Collaborators{
+        .mainQueue = mainQueue_,
+        .logger = log_.logger(),
+        .makeConnection = [] { return Connection::toService(HelperXPC::agentService()); },
+        .sleep = [this](std::chrono::seconds duration) { pauses_.push_back(duration); },
+        .statusManager = [this] { return status_; },
+    });
+};
+
+} // namespace
+
+TEST_F(HelperXPCTest, RegistersBeforeItAsksForTheState) {
+    AgentProcess agent(bus_, {"--state", agentActive});
+    const auto start = std::chrono::steady_clock::now();
+    link_->connectToAgent();
+    ASSERT_TRUE(agent.waitForEvent(registered));
+    EXPECT_GE(std::chrono::steady_clock::now() - start, 500ms);
+    ASSERT_TRUE(agent.waitForEvent(asked));
+    ASSERT_TRUE(waitUntil([&] { return status_->status(); }));
+    exchangeMessage(agent);
+
+    EXPECT_THAT(events(agent, "call "), ElementsAre(StartsWith(registered), StartsWith(asked)));
+    EXPECT_THAT(events(agent, "registered "), ElementsAre(testing::EndsWith(" com.quorvale.QuorvaleHelper")));
+    EXPECT_THAT(pauses_, ElementsAre(1s));
+    EXPECT_THAT(log_.lines(),
+                ElementsAre("Helper XPC: Attempting to connect to agent", "Helper XPC: resuming XPC connection",
+                            "Helper XPC: Connection resumed", "Initial State Changed: true"));
+}
+
+TEST_F(HelperXPCTest, ReplacesTheConnectionWhenToldToConnectAgain) {
+    AgentProcess agent(bus_, {"--state", agentActive});
+    connect(agent);
+    const auto first = link_->clientConnection();
+    connect(agent);
+    ASSERT_TRUE(logged(invalidated));
+    EXPECT_NE(link_->clientConnection(), first);
+    EXPECT_TRUE(waitUntil([&] { return events(agent, "client-gone").size() == 1; }));
+    EXPECT_EQ(events(agent, registered).size(), 2U);
+    EXPECT_EQ(events(agent, asked).size(), 2U);
+
+    const auto lines = log_.lines();
+    const auto again = std::ranges::find(lines | std::views::drop(1), "Helper XPC: Attempting to connect to agent");
+    EXPECT_EQ(*std::next(again), "Helper XPC: Invalidating existing connection");
+    EXPECT_EQ(log_.count("Helper XPC: Connection resumed"), 2);
+    EXPECT_EQ(log_.count(invalidated), 1);
+}
+
+TEST_F(HelperXPCTest, RunsARegistrationOnTheReplacedConnectionForWhichItWasQueued) {
+    AgentProcess agent(bus_, {"--state", agentActive});
+    link_->connectToAgent();
+    connect(agent);
+    EXPECT_TRUE(logged("error: Failed to register client with agent: <private>"));
+    EXPECT_EQ(events(agent, registered).size(), 1U);
+}
+
+TEST_F(HelperXPCTest, StaysUnconnectedWithoutABus) {
+    bus_.stop();
+    link_->connectToAgent();
+    EXPECT_EQ(link_->clientConnection(), nullptr);
+    EXPECT_THAT(log_.lines(),
+                ElementsAre("Helper XPC: Attempting to connect to agent", "Helper XPC: Failed to connect to agent"));
+}
+
+TEST_F(HelperXPCTest, ReportsAMissingServiceThroughEachErrorHandler) {
+    link_->connectToAgent();
+    ASSERT_TRUE(logged("error: Error creating provider proxy: <private>"));
+    EXPECT_THAT(log_.lines(),
+                ElementsAre("Helper XPC: Attempting to connect to agent", "Helper XPC: resuming XPC connection",
+                            "Helper XPC: Connection resumed", invalidated,
+                            "error: Failed to register client with agent: <private>",
+                            "error: Error creating provider proxy: <private>"));
+    EXPECT_NE(link_->clientConnection(), nullptr);
+    EXPECT_EQ(notifications_, 0);
+    connectionEnded_ = true;
+}
+
+TEST_F(HelperXPCTest, ReachesTheNextOwnerAfterAnInterruptionWithoutRegisteringAgain) {
+    auto agent = std::make_optional<AgentProcess>(bus_, std::vector<std::string>{"--state", agentActive});
+    connect(*agent);
+    agent->command("crash");
+    ASSERT_TRUE(logged(interrupted));
+    EXPECT_TRUE(status_->status());
+
+    agent.emplace(bus_, std::vector<std::string>{"--state", R"({"active":false})"});
+    link_->requestAgentState();
+    ASSERT_TRUE(waitUntil([&] { return !status_->status(); }));
+    EXPECT_THAT(events(*agent, "call "), ElementsAre(StartsWith(asked)));
+    EXPECT_EQ(log_.count(interrupted), 1);
+    EXPECT_EQ(log_.count(invalidated), 0);
+}
+
+TEST_F(HelperXPCTest, TakesCallsFromANewOwnerAtOnce) {
+    AgentProcess agent(bus_, {"--state", agentActive});
+    connect(agent);
+    const auto client = events(agent, "registered ").front();
+    const auto name = client.substr(11, client.find(' ', 11) - 11);
+    agent.command("restart");
+    ASSERT_TRUE(agent.waitForEvent("ready"));
+    agent.command("updateProtectionStatus false @" + name);
+    EXPECT_EQ(agent.waitForEvent("push-result"), "push-result updateProtectionStatus ok");
+    EXPECT_TRUE(waitUntil([&] { return !status_->status(); }));
+}
+
+TEST_F(HelperXPCTest, IsInvalidatedWhenTheBusGoesAway) {
+    AgentProcess agent(bus_, {"--state", agentActive});
+    connect(agent);
+    bus_.stop();
+    ASSERT_TRUE(logged(invalidated));
+    link_->requestAgentState();
+    EXPECT_TRUE(logged("error: Error creating provider proxy: <private>"));
+    EXPECT_TRUE(status_->status());
+    connectionEnded_ = true;
+}
+
+TEST_F(HelperXPCTest, AnswersOnlyAReplyThatCarriesAState) {
+    AgentProcess agent(bus_, {"--state", agentActive});
+    connect(agent);
+    struct Case {
+        const char* reply;
+        std::vector<std::string> lines;
+    };
+    const std::vector<Case> cases{
+        {"none", {}},
+        {"text {}",
+         {"error: Failed to decode the agent state: key not found (active) at top level: No value for this key."}},
+        {"several", {"error: Error creating provider proxy: <private>"}},
+        {"wrong-type", {"error: Error creating provider proxy: <private>"}},
+        {"error", {"error: Error creating provider proxy: <private>"}},
+    };
+    for (const auto& [reply, expected] : cases) {
+        const auto before = log_.lines().size();
+        const auto notificationsBefore = notifications_;
+        agent.command(std::string("state ") + reply);
+        link_->requestAgentState();
+        ASSERT_TRUE(agent.waitForEvent(asked));
+        exchangeMessage(agent);
+        const auto lines = log_.lines();
+        EXPECT_EQ(std::vector(lines.begin() + static_cast<std::ptrdiff_t>(before), lines.end()), expected) << reply;
+        EXPECT_EQ(notifications_, notificationsBefore) << reply;
+    }
+    EXPECT_TRUE(status_->status());
+}
+
+TEST_F(HelperXPCTest, WaitsForALateReplyAndFailsOneThatCanNoLongerCome) {
+    AgentProcess agent(bus_, {"--state", "late {\"active\":true}"});
+    link_->connectToAgent();
+    ASSERT_TRUE(agent.waitForEvent("held"));
+    EXPECT_FALSE(status_->status());
+    agent.command("answer");
+    EXPECT_TRUE(waitUntil([&] { return status_->status(); }));
+
+    agent.command("state never");
+    link_->requestAgentState();
+    ASSERT_TRUE(agent.waitForEvent(asked));
+    link_->requestAgentState();
+    ASSERT_TRUE(agent.waitForEvent(asked));
+    agent.command("crash");
+    EXPECT_TRUE(logged("error: Error creating provider proxy: <private>", 2));
+    link_->clientConnection()->invalidate();
+    ASSERT_TRUE(logged(invalidated));
+    EXPECT_EQ(log_.count("error: Error creating provider proxy: <private>"), 2);
+    connectionEnded_ = true;
+}
+
+TEST_F(HelperXPCTest, AppliesEveryPushAlsoOfAnEqualValue) {
+    AgentProcess agent(bus_, {"--state", "none"});
+    link_->connectToAgent();
+    ASSERT_TRUE(agent.waitForEvent("replied agentState"));
+    for (const auto* value : {"true", "true"}) {
+        agent.command(std::string("updateProtectionStatus ") + value);
+        EXPECT_EQ(agent.waitForEvent("push-result"), "push-result updateProtectionStatus ok");
+    }
+    EXPECT_TRUE(waitUntil([&] { return notifications_ == 2; }));
+    EXPECT_TRUE(status_->status());
+    EXPECT_EQ(log_.count("Helper: Agent State: true"), 2);
+}
+
+TEST_F(HelperXPCTest, TakesTheOtherFiveCallsAndDoesNothing) {
+    AgentProcess agent(bus_, {"--state", agentActive});
+    connect(agent);
+    const auto lines = log_.lines();
+    for (const std::string method : {"promptUserWithAboutFlow", "updateRulesStatus", "updateEventLogDefaults",
+                                     "updateGeoDataDefaults", "sendDefaultsToClientWith"}) {
+        agent.command(method);
+        EXPECT_EQ(agent.waitForEvent("push-result"), "push-result " + method + " ok");
+    }
+    EXPECT_EQ(log_.lines(), lines);
+    EXPECT_EQ(notifications_, 1);
+}
+
+TEST_F(HelperXPCTest, RefusesAStrangersCalls) {
+    AgentProcess agent(bus_, {"--state", agentActive});
+    connect(agent);
+    const auto lines = log_.lines();
+    const auto push = [&] {
+        agent.command("impostor updateProtectionStatus false");
+        return agent.waitForEvent("impostor-result").value_or("");
+    };
+    const auto refused = StartsWith(
+        "impostor-result updateProtectionStatus error org.freedesktop.DBus.Error.AccessDenied");
+    EXPECT_THAT(push(), refused);
+
+    // A stranger may tell the helper that the agent's name has changed hands, in the bus's words but not in its name.
+    const auto client = events(agent, "registered ").front();
+    const auto name = QString::fromStdString(client.substr(11, client.find(' ', 11) - 11));
+    auto stranger = QDBusConnection::connectToBus(QString::fromStdString(bus_.address()), QStringLiteral("stranger"));
+    auto lie = QDBusMessage::createTargetedSignal(name, QStringLiteral("/org/freedesktop/DBus"),
+                                                  QStringLiteral("org.freedesktop.DBus"),
+                                                  QStringLiteral("NameOwnerChanged"));
+    lie << QString::fromStdString(HelperXPC::agentService().name) << QString() << stranger.baseService();
+    auto call = QDBusMessage::createMethodCall(name, QStringLiteral("/com/quorvale/QuorvaleHelper"),
+                                               QStringLiteral("com.quorvale.ClientCommunication"),
+                                               QStringLiteral("updateProtectionStatus"));
+    call << false;
+    stranger.send(lie);
+    EXPECT_EQ(stranger.call(call).errorName(), QStringLiteral("org.freedesktop.DBus.Error.AccessDenied"));
+    QDBusConnection::disconnectFromBus(QStringLiteral("stranger"));
+
+    agent.command("release");
+    ASSERT_TRUE(logged(interrupted));
+    agent.command("updateProtectionStatus false");
+    EXPECT_THAT(agent.waitForEvent("push-result").value_or(""), testing::HasSubstr("AccessDenied"));
+    EXPECT_EQ(log_.lines().size(), lines.size() + 1);
+    EXPECT_TRUE(status_->status());
+}
+
+TEST_F(HelperXPCTest, NamesTheMethodAndTheArgumentThatDoesNotDecode) {
+    AgentProcess agent(bus_, {"--state", agentActive});
+    connect(agent);
+    const auto lines = log_.lines();
+    struct Case {
+        const char* command;
+        const char* answer;
+    };
+    constexpr auto invalid = "error org.freedesktop.DBus.Error.InvalidArgs ";
+    for (const auto& [command, answer] : {
+             Case{"updateProtectionStatus s:true", "updateProtectionStatus: argument isProtected does not decode."},
+             Case{"updateProtectionStatus -", "updateProtectionStatus: argument isProtected does not decode."},
+             Case{"updateProtectionStatus false false", "updateProtectionStatus: argument number 2 does not decode."},
+             Case{"updateEventLogDefaults v:x", "updateEventLogDefaults: argument defaults does not decode."},
+             Case{"promptUserWithAboutFlow a{sv}:{} d n t i i:1",
+                  "promptUserWithAboutFlow: argument epoch does not decode."},
+         }) {
+        agent.command(command);
+        EXPECT_THAT(agent.waitForEvent("push-result").value_or(""), testing::HasSubstr(std::string(invalid) + answer))
+            << command;
+    }
+    EXPECT_EQ(log_.lines(), lines);
+    EXPECT_TRUE(status_->status());
+}
+
+TEST_F(HelperXPCTest, SendsNothingWithoutAConnectionOrTheAgentsInterface) {
+    link_->requestAgentState();
+    EXPECT_THAT(log_.lines(), ElementsAre("error: Failed to create a remote object proxy for the provider"));
+
+    const auto plain = Connection::toService(HelperXPC::agentService());
+    link_->registerClient(*plain);
+    EXPECT_EQ(log_.lines().back(), "error: Failed to cast register client remote object proxy");
+}
+
+TEST(AgentCommunicationTest, DeclaresTheAgentsFiveMethods) {
+    using platform::connection::Method;
+    using platform::connection::Type;
+    EXPECT_THAT(AgentCommunication::interface().methods,
+                ElementsAre(Method{"registerClientWith", {{"identity", Type::text}}, std::nullopt},
+                            Method{"updateSharedDefaultsWith", {{"defaults", Type::dictionary}}, Type::boolean},
+                            Method{"updateGeoDefaults", {}, Type::text},
+                            Method{"agentState", {}, Type::optionalText}, Method{"reloadCloud", {}, std::nullopt}));
+}
+
+} // namespace quorvale::agent_link
