@@ -1,0 +1,36 @@
+#pragma once
+
+#include "platform/json/DecodingError.hpp"
+
+#include <cstdint>
+#include <expected>
+
+namespace quorvale::platform::json {
+
+class Decoder;
+class Encoder;
+
+/// How a type is read and written. A record has the two members named here (or the one that it needs); an
+/// enumeration, which can't have members, specialises this template.
+template <typename Value>
+struct Coding {
+    static std::expected<Value, DecodingError> decode(const Decoder& decoder) { return Value::decode(decoder); }
+
+    static void encode(const Value& value, Encoder& encoder) { value.encode(encoder); }
+};
+
+/// A JSON `true` or `false`, never a number.
+template <>
+struct Coding<bool> {
+    static std::expected<bool, DecodingError> decode(const Decoder& decoder);
+    static void encode(bool value, Encoder& encoder);
+};
+
+/// A whole JSON number (see `Decoder::integer`).
+template <>
+struct Coding<std::int64_t> {
+    static std::expected<std::int64_t, DecodingError> decode(const Decoder& decoder);
+    static void encode(std::int64_t value, Encoder& encoder);
+};
+
+} // namespace quorvale::platform::json
