@@ -1,0 +1,113 @@
+#include "platform/workspace/Workspace.hpp"
+
+#include "support/waitUntil.hpp"
+
+#include <QTemporaryDir>
+#include <gmock/gmock.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+
+namespace quorvale::platform::workspace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+using tests::waitUntil;
+
+class WorkspaceTest : public testing::Test {
+protected:
+    WorkspaceTest() { fs::create_directories(programs_); }
+
+    void writeInformation(const std::string& executable) {
+        std::ofstream(path_ / "Contents" / "Info.plist")
+            << R"(<plist version="1.0"><dict><key>CFBundleExecutable</key><string>)" << executable
+            << "</string></dict></plist>";
+    }
+
+    void writeProgram(const std::string& text) {
+        std::ofstream(programs_ / "Program") << text;
+        fs::permissions(programs_ / "Program", fs::perms::owner_all);
+        writeInformation("Program");
+    }
+
+    std::vector<std::string> report() const {
+        std::ifstream file(programs_ / "report");
+        std::vector<std::string> lines;
+        for (std::string line; std::getline(file, line);) {
+            lines.push_back(line);
+        }
+        return lines;
+    }
+
+    QTemporaryDir directory_;
+    fs::path path_ = fs::path(directory_.path().toStdString()) / "Some; app $(x).app";
+    fs::path programs_ = path_ / "Contents" / "Linux";
+};
+
+TEST_F(WorkspaceTest, StartsTheProgramOnItsOwnAndDoesNotWaitForIt) {
+    writeProgram(R"(#!/bin/sh
+directory=$(dirname "$0")
+{
+    echo $$
+    cut -d ' ' -f 6 /proc/$$/stat
+    pwd
+    echo "$QUORVALE_TEST"
+    echo $#
+    readlink /proc/$$/fd/0 /proc/$$/fd/2
+} > "$directory/unfinished"
+mv "$directory/unfinished" "$directory/report"
+read -r line < "$directory/end"
+)");
+    const auto end = programs_ / "end";
+    ASSERT_EQ(mkfifo(end.c_str(), 0600), 0);
+    const int endWriter = open(end.c_str(), O_RDWR | O_CLOEXEC);
+    ASSERT_GE(endWriter, 0);
+    setenv("QUORVALE_TEST", "inherited", 1);
+
+    const auto opened = Workspace{}.openApplication(path_.string());
+
+    ASSERT_TRUE(opened) << opened.error();
+    ASSERT_TRUE(waitUntil([this] { return fs::exists(programs_ / "report"); }));
+    const auto lines = report();
+    ASSERT_EQ(lines.size(), 7U);
+    const auto pid = static_cast<pid_t>(std::stol(lines[0]));
+    EXPECT_EQ(kill(pid, 0), 0);
+    EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1) << "a child is left to be waited for";
+    EXPECT_EQ(errno, ECHILD);
+    EXPECT_NE(std::stol(lines[1]), getsid(0));
+    EXPECT_EQ(lines[2], fs::path(std::getenv("HOME")).string());
+    EXPECT_EQ(lines[3], "inherited");
+    EXPECT_EQ(lines[4], "0");
+    EXPECT_EQ(lines[5], "/dev/null");
+    EXPECT_EQ(lines[6], "/dev/null");
+    EXPECT_EQ(write(endWriter, "\n", 1), 1);
+    EXPECT_TRUE(waitUntil([pid] { return kill(pid, 0) != 0; }));
+    close(endWriter);
+}
+
+TEST_F(WorkspaceTest, SaysWhatIsMissing) {
+    const auto failure = [this] {
+        const auto opened = Workspace{}.openApplication(path_.string());
+        return opened ? std::string("opened") : opened.error();
+    };
+    EXPECT_EQ(failure(), "no application at " + path_.string());
+    writeInformation("../Program");
+    EXPECT_EQ(failure(), "no application at " + path_.string());
+    writeInformation("Program");
+    EXPECT_THAT(failure(), HasSubstr("Program: "));
+    writeProgram("#!/bin/sh\n");
+    fs::permissions(programs_ / "Program", fs::perms::owner_read);
+    EXPECT_THAT(failure(), HasSubstr("Program: "));
+    EXPECT_EQ(Workspace{}.openApplication("").error(), "no application at ");
+}
+
+} // namespace quorvale::platform::workspace
