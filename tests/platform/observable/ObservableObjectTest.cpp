@@ -1,0 +1,76 @@
+#include "platform/observable/ObservableObject.hpp"
+
+#include <gmock/gmock.h>
+
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace quorvale::platform::observable {
+
+namespace {
+
+using testing::ElementsAre;
+using testing::Pair;
+
+struct Model final : ObservableObject {
+    Published<int> value{*this, 0};
+    Published<std::string> text{*this, ""};
+};
+
+} // namespace
+
+TEST(ObservableObjectTest, NotifiesEachObserverInOrderBeforeEachAssignment) {
+    Model model;
+    std::vector<std::pair<char, int>> calls;
+    const auto one = model.objectWillChange([&] { calls.emplace_back('a', model.value.get()); });
+    const auto two = model.objectWillChange([&] { calls.emplace_back('b', model.value.get()); });
+    model.value.set(1);
+    model.value.set(1);
+    model.text.set("x");
+    EXPECT_THAT(calls, ElementsAre(Pair('a', 0), Pair('b', 0), Pair('a', 1), Pair('b', 1), Pair('a', 1), Pair('b', 1)));
+    EXPECT_EQ(model.value.get(), 1);
+    EXPECT_EQ(model.text.get(), "x");
+}
+
+TEST(ObservableObjectTest, EndsARegistrationWithItsSubscription) {
+    Model model;
+    int calls = 0;
+    {
+        auto subscription = model.objectWillChange([&calls] { ++calls; });
+        const auto moved = std::move(subscription);
+        model.value.set(1);
+    }
+    model.value.set(2);
+    EXPECT_EQ(calls, 1);
+}
+
+TEST(ObservableObjectTest, LetsObserversDropAndMakeRegistrations) {
+    Model model;
+    std::string calls;
+    std::optional<Subscription> first;
+    std::optional<Subscription> second;
+    std::optional<Subscription> added;
+    first = model.objectWillChange([&] {
+        calls += '1';
+        second.reset();
+        added = model.objectWillChange([&calls] { calls += '3'; });
+        first.reset();
+    });
+    second = model.objectWillChange([&calls] { calls += '2'; });
+    model.value.set(1);
+    EXPECT_EQ(calls, "1");
+    model.value.set(2);
+    EXPECT_EQ(calls, "13");
+}
+
+TEST(ObservableObjectTest, MayEndBeforeItsSubscriptions) {
+    Subscription subscription;
+    {
+        Model model;
+        subscription = model.objectWillChange([] {});
+    }
+}
+
+} // namespace quorvale::platform::observable
