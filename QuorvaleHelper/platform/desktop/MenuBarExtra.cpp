@@ -1,0 +1,78 @@
+#include "platform/desktop/MenuBarExtra.hpp"
+
+#include <QGuiApplication>
+#include <QScreen>
+
+#include <utility>
+
+namespace quorvale::platform::desktop {
+
+namespace {
+
+constexpr auto tokenVariable = "XDG_ACTIVATION_TOKEN";
+
+bool onWayland() {
+    return QGuiApplication::platformName().startsWith(QLatin1String("wayland"));
+}
+
+PanelWindow::Presentation presentation() {
+    return onWayland() ? PanelWindow::Presentation::PlacedByCompositor : PanelWindow::Presentation::AnchoredPopup;
+}
+
+} // namespace
+
+MenuBarExtra::MenuBarExtra(const QDBusConnection& bus, StatusNotifierItem::Description description, QObject* parent)
+    : QObject(parent),
+      title_(description.title),
+      icon_(bus, std::move(description)),
+      window_(presentation()),
+      lastAnchor_(QGuiApplication::primaryScreen()->availableGeometry().topRight()) {
+    window_.setWindowTitle(title_);
+    connect(&icon_, &StatusIcon::failed, this, &MenuBarExtra::failed);
+    connect(&icon_, &StatusIcon::activated, this, [this](QPoint anchor, const QString& activationToken) {
+        // Qt hands the token to the compositor when the window asks to be active; no child process may inherit it.
+        const auto withToken = onWayland() && !activationToken.isEmpty();
+        if (withToken) {
+            qputenv(tokenVariable, activationToken.toUtf8());
+        }
+        toggle(anchor);
+        if (withToken) {
+            qunsetenv(tokenVariable);
+        }
+    });
+}
+
+void MenuBarExtra::setContent(std::unique_ptr<QWidget> content) {
+    window_.setContent(std::move(content));
+}
+
+void MenuBarExtra::setStatusText(const QString& text) {
+    icon_.setToolTip(QStringLiteral("%1: %2").arg(title_, text));
+}
+
+void MenuBarExtra::toggle(QPoint anchor) {
+    if (isShown()) {
+        dismiss();
+    } else if (!window_.wasJustDismissedByFocusLoss()) {
+        open(anchor);
+    }
+}
+
+void MenuBarExtra::show() {
+    open(lastAnchor_);
+}
+
+void MenuBarExtra::dismiss() {
+    window_.dismiss();
+}
+
+bool MenuBarExtra::isShown() const {
+    return window_.isVisible();
+}
+
+void MenuBarExtra::open(QPoint anchor) {
+    lastAnchor_ = anchor;
+    window_.open(anchor);
+}
+
+} // namespace quorvale::platform::desktop

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QColor>
+#include <QIcon>
+#include <QImage>
+#include <QList>
+#include <QSizeF>
+#include <QString>
+
+#include <expected>
+#include <optional>
+
+namespace quorvale::platform::desktop {
+
+/// The size of a label image in the menu bar, in points: 18 high, as wide as its proportions ask for. No value for
+/// a natural size that has no usable proportions: nothing, or more than sixteen times as long as it is high.
+std::optional<QSizeF> menuBarIconSize(QSizeF natural);
+
+/// The label image of a menu-bar extra, ready for panels of any height and scale.
+struct MenuBarIcon {
+    /// In points.
+    QSizeF size;
+    /// The same picture in several heights, in pixels; first the one for a panel that doesn't scale.
+    QList<QImage> images;
+
+    /// From the SVG, or any image that Qt reads, at `path`; an error says what is wrong with it.
+    static std::expected<MenuBarIcon, QString> load(const QString& path);
+
+    /// From the SVG at `path`, all in one colour. It is the program's own and can be read.
+    static MenuBarIcon fromSymbol(const QString& path, const QColor& tint);
+
+    [[nodiscard]] QIcon icon() const;
+};
+
+} // namespace quorvale::platform::desktop

@@ -1,0 +1,85 @@
+#include "platform/desktop/PanelPlacement.hpp"
+
+#include <algorithm>
+#include <array>
+
+namespace quorvale::platform::desktop {
+
+namespace {
+
+constexpr int gap = 4;
+/// How far the pointer may have moved, in native pixels, since the panel looked.
+constexpr int tolerance = 8;
+
+QRect nativeGeometry(const ScreenGeometry& screen) {
+    return {screen.geometry.topLeft(), (QSizeF(screen.geometry.size()) * screen.devicePixelRatio).toSize()};
+}
+
+QPoint toNative(QPoint point, const ScreenGeometry& screen) {
+    const auto origin = screen.geometry.topLeft();
+    return origin + (QPointF(point - origin) * screen.devicePixelRatio).toPoint();
+}
+
+QPoint toLogical(QPoint point, const ScreenGeometry& screen) {
+    const auto origin = screen.geometry.topLeft();
+    return origin + (QPointF(point - origin) / screen.devicePixelRatio).toPoint();
+}
+
+/// As std::clamp, but with the lower limit where there is no room.
+int within(int value, int low, int high) {
+    return std::max(low, std::min(value, high));
+}
+
+} // namespace
+
+QPoint anchorPoint(QPoint panelsWord, QPoint pointer, std::span<const ScreenGeometry> screens) {
+    if (panelsWord.isNull()) {
+        return pointer;
+    }
+    const auto pointersScreen =
+        std::ranges::find_if(screens, [&](const auto& screen) { return screen.geometry.contains(pointer); });
+    if (pointersScreen != screens.end()) {
+        const auto native = toNative(pointer, *pointersScreen);
+        for (const auto scale : std::array{2, 3}) {
+            // In qint64: a peer's numbers may be anything.
+            const auto x = qint64{panelsWord.x()} * scale - native.x();
+            const auto y = qint64{panelsWord.y()} * scale - native.y();
+            if (std::abs(x) <= tolerance && std::abs(y) <= tolerance) {
+                return pointer;
+            }
+        }
+    }
+    const auto screen = std::ranges::find_if(
+        screens, [&](const auto& candidate) { return nativeGeometry(candidate).contains(panelsWord); });
+    return screen == screens.end() ? pointer : toLogical(panelsWord, *screen);
+}
+
+QPoint panelTopLeft(QPoint anchor, QSize size, const ScreenGeometry& screen) {
+    const auto& free = screen.available;
+    const auto left = free.left() + gap;
+    const auto top = free.top() + gap;
+    const auto right = free.x() + free.width() - size.width() - gap;
+    const auto bottom = free.y() + free.height() - size.height() - gap;
+    const auto centredX = within(anchor.x() - size.width() / 2, left, right);
+    const auto centredY = within(anchor.y() - size.height() / 2, top, bottom);
+    if (anchor.y() < free.top()) {
+        return {centredX, top};
+    }
+    if (anchor.y() > free.bottom()) {
+        return {centredX, within(bottom, top, bottom)};
+    }
+    if (anchor.x() < free.left()) {
+        return {left, centredY};
+    }
+    if (anchor.x() > free.right()) {
+        return {within(right, left, right), centredY};
+    }
+    // The panel reserves no room, so its edge is not known: away from the nearer of the upper and the lower edge.
+    constexpr int panelHeight = 16;
+    const auto above = anchor.y() - panelHeight - size.height();
+    const auto below = anchor.y() + panelHeight;
+    const auto inUpperHalf = anchor.y() < screen.geometry.center().y();
+    return {centredX, within(inUpperHalf ? below : above, top, bottom)};
+}
+
+} // namespace quorvale::platform::desktop

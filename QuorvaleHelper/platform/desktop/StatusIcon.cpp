@@ -1,0 +1,85 @@
+#include "platform/desktop/StatusIcon.hpp"
+
+#include "platform/desktop/PanelPlacement.hpp"
+
+#include <QCursor>
+#include <QGuiApplication>
+#include <QScreen>
+#include <QSystemTrayIcon>
+#include <QTimerEvent>
+
+#include <utility>
+#include <vector>
+
+namespace quorvale::platform::desktop {
+
+namespace {
+
+QPoint anchorFor(QPoint panelsWord) {
+    std::vector<ScreenGeometry> screens;
+    for (const auto* screen : QGuiApplication::screens()) {
+        screens.push_back({screen->geometry(), screen->availableGeometry(), screen->devicePixelRatio()});
+    }
+    return anchorPoint(panelsWord, QCursor::pos(), screens);
+}
+
+} // namespace
+
+StatusIcon::StatusIcon(const QDBusConnection& bus, StatusNotifierItem::Description description, QObject* parent)
+    : QObject(parent), item_(bus, std::move(description)), host_(bus) {
+    connect(&item_, &StatusNotifierItem::activated, this,
+            [this](QPoint position, const QString& token) { Q_EMIT activated(anchorFor(position), token); });
+    connect(&host_, &StatusNotifierHostWatch::hostChanged, this, &StatusIcon::followHost);
+    connect(&host_, &StatusNotifierHostWatch::failed, this, &StatusIcon::failed);
+}
+
+StatusIcon::~StatusIcon() = default;
+
+void StatusIcon::setToolTip(const QString& text) {
+    item_.setToolTip(text);
+    if (trayIcon_) {
+        trayIcon_->setToolTip(text);
+    }
+}
+
+void StatusIcon::timerEvent(QTimerEvent* event) {
+    if (event->timerId() != absence_.timerId()) {
+        QObject::timerEvent(event);
+        return;
+    }
+    absence_.stop();
+    showInSystemTray();
+}
+
+void StatusIcon::followHost() {
+    absence_.stop();
+    switch (host_.host()) {
+    case StatusNotifierHostWatch::Host::Unknown:
+        break;
+    case StatusNotifierHostWatch::Host::Present:
+        trayIcon_.reset();
+        break;
+    case StatusNotifierHostWatch::Host::Absent:
+        if (!trayIcon_ && QGuiApplication::platformName() == QLatin1String("xcb")) {
+            absence_.start(static_cast<int>(std::chrono::milliseconds(hostGrace).count()), this);
+        }
+        break;
+    }
+}
+
+// Qt decides once, when it is first asked for a tray icon, whether to use status notifier items of its own, and waits
+// for the watcher to answer. Here no host is there, or one was denied just now, so it takes the X11 tray for good.
+void StatusIcon::showInSystemTray() {
+    trayIcon_ = std::make_unique<QSystemTrayIcon>(item_.description().icon.icon());
+    trayIcon_->setToolTip(item_.toolTip());
+    connect(trayIcon_.get(), &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
+        // A double click has already been a click.
+        if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::MiddleClick) {
+            const auto place = trayIcon_->geometry();
+            Q_EMIT activated(place.isValid() ? place.center() : QCursor::pos(), {});
+        }
+    });
+    trayIcon_->show();
+}
+
+} // namespace quorvale::platform::desktop

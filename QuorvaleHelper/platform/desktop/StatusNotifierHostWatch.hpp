@@ -1,0 +1,54 @@
+#pragma once
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QObject>
+#include <QString>
+
+#include <cstdint>
+
+namespace quorvale::platform::desktop {
+
+/// Follows org.kde.StatusNotifierWatcher: registers this connection's status notifier item with every new owner of
+/// that name and knows whether some panel (a host) shows such items. Nothing waits for an answer. GUI thread.
+/// https://www.freedesktop.org/wiki/Specifications/StatusNotifierItem/StatusNotifierWatcher/
+class StatusNotifierHostWatch final : public QObject {
+    Q_OBJECT
+
+public:
+    enum class Host {
+        /// A watcher is there and hasn't answered.
+        Unknown,
+        Absent,
+        Present,
+    };
+
+    /// The item is already exported on `bus`.
+    explicit StatusNotifierHostWatch(const QDBusConnection& bus, QObject* parent = nullptr);
+
+    [[nodiscard]] Host host() const { return host_; }
+
+Q_SIGNALS:
+    void hostChanged();
+    /// A sentence for the log.
+    void failed(const QString& what);
+
+private Q_SLOTS:
+    void watcherSignal(const QDBusMessage& message);
+
+private:
+    void askForOwner();
+    void setOwner(const QString& owner);
+    void registerItem();
+    void askForHost();
+    void setHost(Host host);
+
+    QDBusConnection bus_;
+    QString owner_;
+    bool ownerKnown_ = false;
+    /// Tells the answer to the newest question from those before it.
+    std::uint64_t question_ = 0;
+    Host host_ = Host::Unknown;
+};
+
+} // namespace quorvale::platform::desktop

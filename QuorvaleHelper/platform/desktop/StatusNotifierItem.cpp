@@ -1,0 +1,158 @@
+#include "platform/desktop/StatusNotifierItem.hpp"
+
+#include <QDBusAbstractAdaptor>
+#include <QDBusArgument>
+#include <QDBusMetaType>
+#include <QtEndian>
+
+#include <utility>
+
+namespace quorvale::platform::desktop {
+
+/// (iiay): ARGB32 in network byte order.
+struct NotifierPixmap {
+    int width = 0;
+    int height = 0;
+    QByteArray pixels;
+};
+
+using NotifierPixmaps = QList<NotifierPixmap>;
+
+/// (sa(iiay)ss)
+struct NotifierToolTip {
+    QString iconName;
+    NotifierPixmaps icon;
+    QString title;
+    QString text;
+};
+
+QDBusArgument& operator<<(QDBusArgument& argument, const NotifierPixmap& pixmap) {
+    argument.beginStructure();
+    argument << pixmap.width << pixmap.height << pixmap.pixels;
+    argument.endStructure();
+    return argument;
+}
+
+const QDBusArgument& operator>>(const QDBusArgument& argument, NotifierPixmap& pixmap) {
+    argument.beginStructure();
+    argument >> pixmap.width >> pixmap.height >> pixmap.pixels;
+    argument.endStructure();
+    return argument;
+}
+
+QDBusArgument& operator<<(QDBusArgument& argument, const NotifierToolTip& toolTip) {
+    argument.beginStructure();
+    argument << toolTip.iconName << toolTip.icon << toolTip.title << toolTip.text;
+    argument.endStructure();
+    return argument;
+}
+
+const QDBusArgument& operator>>(const QDBusArgument& argument, NotifierToolTip& toolTip) {
+    argument.beginStructure();
+    argument >> toolTip.iconName >> toolTip.icon >> toolTip.title >> toolTip.text;
+    argument.endStructure();
+    return argument;
+}
+
+namespace {
+
+const auto itemPath = QStringLiteral("/StatusNotifierItem");
+
+NotifierPixmap notifierPixmap(const QImage& image) {
+    const auto argb = image.convertToFormat(QImage::Format_ARGB32);
+    NotifierPixmap pixmap{argb.width(), argb.height(), QByteArray(argb.sizeInBytes(), Qt::Uninitialized)};
+    qToBigEndian<quint32>(argb.constBits(), argb.width() * argb.height(), pixmap.pixels.data());
+    return pixmap;
+}
+
+class Adaptor final : public QDBusAbstractAdaptor {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.kde.StatusNotifierItem")
+    Q_PROPERTY(QString Category READ category)
+    Q_PROPERTY(QString Id READ id)
+    Q_PROPERTY(QString Title READ title)
+    Q_PROPERTY(QString Status READ status)
+    Q_PROPERTY(int WindowId READ windowId)
+    Q_PROPERTY(QString IconName READ iconName)
+    Q_PROPERTY(quorvale::platform::desktop::NotifierPixmaps IconPixmap READ iconPixmap)
+    Q_PROPERTY(QString IconAccessibleDesc READ iconAccessibleDesc)
+    Q_PROPERTY(quorvale::platform::desktop::NotifierToolTip ToolTip READ toolTip)
+    Q_PROPERTY(bool ItemIsMenu READ itemIsMenu)
+
+public:
+    explicit Adaptor(StatusNotifierItem& item) : QDBusAbstractAdaptor(&item), item_(item) {
+        for (const auto& image : item.description().icon.images) {
+            pixmaps_.push_back(notifierPixmap(image));
+        }
+        connect(&item, &StatusNotifierItem::toolTipChanged, this, &Adaptor::NewToolTip);
+        // Panels read the description of the icon again together with the icon.
+        connect(&item, &StatusNotifierItem::toolTipChanged, this, &Adaptor::NewIcon);
+    }
+
+    [[nodiscard]] QString category() const { return QStringLiteral("SystemServices"); }
+
+    [[nodiscard]] QString id() const { return item_.description().id; }
+
+    [[nodiscard]] QString title() const { return item_.description().title; }
+
+    [[nodiscard]] QString status() const { return QStringLiteral("Active"); }
+
+    [[nodiscard]] int windowId() const { return 0; }
+
+    [[nodiscard]] QString iconName() const { return {}; }
+
+    [[nodiscard]] NotifierPixmaps iconPixmap() const { return pixmaps_; }
+
+    [[nodiscard]] QString iconAccessibleDesc() const { return item_.toolTip(); }
+
+    // The text under the title stays empty: panels take it as markup.
+    [[nodiscard]] NotifierToolTip toolTip() const { return {{}, {}, item_.toolTip(), {}}; }
+
+    [[nodiscard]] bool itemIsMenu() const { return false; }
+
+public Q_SLOTS:
+
+    void Activate(int x, int y) { Q_EMIT item_.activated({x, y}, std::exchange(activationToken_, {})); }
+
+    void SecondaryActivate(int x, int y) { Activate(x, y); }
+
+    void ContextMenu(int /*x*/, int /*y*/) {}
+
+    void Scroll(int /*delta*/, const QString& /*orientation*/) {}
+
+    void ProvideXdgActivationToken(const QString& token) { activationToken_ = token; }
+
+Q_SIGNALS:
+    void NewToolTip();
+    void NewIcon();
+
+private:
+    StatusNotifierItem& item_;
+    NotifierPixmaps pixmaps_;
+    QString activationToken_;
+};
+
+} // namespace
+
+StatusNotifierItem::StatusNotifierItem(const QDBusConnection& bus, Description description, QObject* parent)
+    : QObject(parent), bus_(bus), description_(std::move(description)), toolTip_(description_.title) {
+    qDBusRegisterMetaType<NotifierPixmap>();
+    qDBusRegisterMetaType<NotifierPixmaps>();
+    qDBusRegisterMetaType<NotifierToolTip>();
+    new Adaptor(*this);
+    bus_.registerObject(itemPath, this, QDBusConnection::ExportAdaptors);
+}
+
+StatusNotifierItem::~StatusNotifierItem() {
+    bus_.unregisterObject(itemPath);
+}
+
+void StatusNotifierItem::setToolTip(const QString& text) {
+    if (std::exchange(toolTip_, text) != text) {
+        Q_EMIT toolTipChanged();
+    }
+}
+
+} // namespace quorvale::platform::desktop
+
+#include "StatusNotifierItem.moc"

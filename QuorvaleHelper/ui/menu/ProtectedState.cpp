@@ -1,0 +1,77 @@
+#include "ui/menu/ProtectedState.hpp"
+
+#include "ui/menu/ContinuousCorner.hpp"
+#include "ui/menu/SystemColors.hpp"
+
+#include <QCoreApplication>
+#include <QPainter>
+
+#include <algorithm>
+#include <cmath>
+
+namespace quorvale::ui::menu {
+
+namespace {
+
+constexpr double padding = 5;
+constexpr double cornerRadius = 5;
+
+/// Looks `key` up in the application's one table of texts.
+QString localized(const char* key) {
+    return QCoreApplication::translate("", key);
+}
+
+} // namespace
+
+ProtectedLook ProtectedLook::of(bool isProtected) {
+    return isProtected
+               ? ProtectedLook{QStringLiteral(":/symbols/lock.shield.svg"), localized("Protected"), SystemColors::green}
+               : ProtectedLook{QStringLiteral(":/symbols/lock.circle.dotted.svg"), localized("Unprotected"),
+                               SystemColors::red};
+}
+
+ProtectedGeometry ProtectedGeometry::of(const QSizeF& view, double iconSize) {
+    const auto box = QRectF({}, view).adjusted(padding, padding, -padding, -padding);
+    const auto content = box.adjusted(padding, padding, -padding, -padding);
+    const QRectF icon(content.left(), content.center().y() - iconSize / 2, iconSize, iconSize);
+    const auto textLeft = icon.right() + padding;
+    const auto textRight = std::max(textLeft, content.right() - padding);
+    return {box, icon, QRectF(QPointF(textLeft, content.top()), QPointF(textRight, content.bottom()))};
+}
+
+ProtectedState::ProtectedState(bool isProtected, double iconSize, QWidget* parent)
+    : QLabel(parent), iconSize_(iconSize), look_(ProtectedLook::of(isProtected)), symbol_(look_.symbol) {
+    setTextFormat(Qt::PlainText);
+    setText(look_.text);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+}
+
+void ProtectedState::setProtected(bool isProtected) {
+    look_ = ProtectedLook::of(isProtected);
+    symbol_ = platform::desktop::SymbolImage(look_.symbol);
+    setText(look_.text);
+    update();
+}
+
+QSize ProtectedState::sizeHint() const {
+    const auto content = std::max(iconSize_, static_cast<double>(fontMetrics().height()));
+    const auto width = 4 * padding + iconSize_ + 2 * padding + fontMetrics().horizontalAdvance(look_.text);
+    return {static_cast<int>(std::ceil(width)), static_cast<int>(std::ceil(content + 4 * padding))};
+}
+
+QSize ProtectedState::minimumSizeHint() const {
+    return {static_cast<int>(std::ceil(6 * padding + iconSize_)), sizeHint().height()};
+}
+
+void ProtectedState::paintEvent(QPaintEvent* /*event*/) {
+    const auto [box, icon, text] = ProtectedGeometry::of(size(), iconSize_);
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.fillPath(continuousRoundedRect(box, cornerRadius), look_.boxColor);
+    symbol_.paint(painter, icon, SystemColors::white);
+    painter.setPen(SystemColors::white);
+    painter.drawText(text, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
+                     fontMetrics().elidedText(look_.text, Qt::ElideRight, static_cast<int>(text.width())));
+}
+
+} // namespace quorvale::ui::menu

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "platform/desktop/SymbolImage.hpp"
+
+#include <QColor>
+#include <QLabel>
+#include <QRectF>
+#include <QString>
+
+namespace quorvale::ui::menu {
+
+/// One of the indicator's two looks.
+struct ProtectedLook {
+    /// The system symbol, embedded as a resource.
+    QString symbol;
+    /// In the user's language.
+    QString text;
+    QColor boxColor;
+
+    static ProtectedLook of(bool isProtected);
+};
+
+/// Where the parts of the indicator are, in points.
+struct ProtectedGeometry {
+    QRectF box;
+    QRectF icon;
+    QRectF text;
+
+    static ProtectedGeometry of(const QSizeF& view, double iconSize);
+};
+
+/// The coloured box that tells whether protection is on. It is a text to look at, not a control.
+class ProtectedState final : public QLabel {
+    Q_OBJECT
+
+public:
+    /// `iconSize` is the edge length of the icon, in points.
+    ProtectedState(bool isProtected, double iconSize, QWidget* parent = nullptr);
+
+    /// Main thread. Assistive technologies hear of a new text.
+    void setProtected(bool isProtected);
+
+    [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] QSize minimumSizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    const double iconSize_;
+    ProtectedLook look_;
+    platform::desktop::SymbolImage symbol_;
+};
+
+} // namespace quorvale::ui::menu

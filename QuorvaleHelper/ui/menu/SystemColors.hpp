@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QColor>
+
+namespace quorvale::ui::menu {
+
+/// The named colours of the menu window, the same on light and dark desktops. White text on any of them is easy to
+/// read: its contrast is at least 4.5 to 1.
+namespace SystemColors {
+
+inline constexpr QColor green{0x1D, 0x87, 0x3B};
+inline constexpr QColor red{0xD7, 0x2C, 0x26};
+inline constexpr QColor blue{0x0A, 0x6C, 0xE6};
+inline constexpr QColor white{0xFF, 0xFF, 0xFF};
+
+/// The ring around a focused control on `background`: a blue that stands out from it.
+QColor focusRing(const QColor& background);
+
+/// From 1 (the same) to 21 (black and white). https://www.w3.org/TR/WCAG21/#dfn-contrast-ratio
+double contrast(const QColor& one, const QColor& other);
+
+} // namespace SystemColors
+
+} // namespace quorvale::ui::menu
