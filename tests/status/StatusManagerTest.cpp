@@ -73,6 +73,7 @@ TEST_F(StatusManagerTest, IsSharedAsOneInstanceByAllThreads) {
     std::vector<const StatusManager*> seen(4);
     {
         std::vector<std::jthread> threads;
+        threads.reserve(seen.size());
         for (auto& place : seen) {
             threads.emplace_back([&place] { place = StatusManager::shared().get(); });
         }

@@ -30,20 +30,20 @@ public:
     explicit Bundle(const std::filesystem::path& path);
 
     /// Absolute, without a slash at its end.
-    std::string bundlePath() const { return path_.string(); }
+    [[nodiscard]] std::string bundlePath() const { return path_.string(); }
 
     /// The text of "CFBundleIdentifier".
-    std::optional<std::string> bundleIdentifier() const;
+    [[nodiscard]] std::optional<std::string> bundleIdentifier() const;
 
     /// The text that the information dictionary holds for `key`; none when it holds none or another type.
-    std::optional<std::string> infoText(std::string_view key) const;
+    [[nodiscard]] std::optional<std::string> infoText(std::string_view key) const;
 
     /// The file of the image `name` (without extension): NAME.svg, or else NAME.png. None for a name with a slash.
-    std::optional<std::string> resourcePath(std::string_view name) const;
+    [[nodiscard]] std::optional<std::string> resourcePath(std::string_view name) const;
 
     /// Where "CFBundleExecutable" says that the program is; that file need not exist. None when the dictionary
     /// names no program or one outside the bundle.
-    std::optional<std::string> executablePath() const;
+    [[nodiscard]] std::optional<std::string> executablePath() const;
 
 private:
     Bundle(std::filesystem::path path, TextEntries information);

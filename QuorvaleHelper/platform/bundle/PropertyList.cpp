@@ -50,10 +50,13 @@ public:
         }
         BinaryObjects objects(list);
         const auto trailer = list.substr(list.size() - trailerSize);
-        objects.offsetSize_ = *number(trailer, 6, 1);
-        objects.referenceSize_ = *number(trailer, 7, 1);
-        objects.count_ = *number(trailer, 8, 8);
-        objects.table_ = *number(trailer, 24, 8);
+        const auto field = [&trailer](std::uint64_t offset, std::size_t size) {
+            return number(trailer, offset, size).value_or(0);
+        };
+        objects.offsetSize_ = field(6, 1);
+        objects.referenceSize_ = field(7, 1);
+        objects.count_ = field(8, 8);
+        objects.table_ = field(24, 8);
         if (objects.count_ > list.size() || objects.table_ > list.size()) {
             return std::nullopt;
         }
@@ -62,7 +65,7 @@ public:
 
     /// Whether no array, set or dictionary is referred to twice. The parser copies an object for each reference
     /// to it, so forty arrays that each hold the next one twice would fill any memory.
-    bool formTree() const {
+    [[nodiscard]] bool formTree() const {
         std::set<std::uint64_t> seen;
         std::uint64_t total = 0;
         for (std::uint64_t index = 0; index < count_; ++index) {
@@ -98,7 +101,7 @@ private:
     explicit BinaryObjects(std::string_view list) : list_(list) {}
 
     /// Where the references of an object stand, none of them for a scalar; nothing where the list is broken.
-    std::optional<References> referencesOf(std::uint64_t index) const {
+    [[nodiscard]] std::optional<References> referencesOf(std::uint64_t index) const {
         const auto offset = number(list_, table_ + index * offsetSize_, offsetSize_);
         const auto marker = offset ? number(list_, *offset, 1) : std::nullopt;
         if (!marker) {

@@ -107,7 +107,10 @@ DecodingError Decoder::error(DecodingError::Kind kind, std::string_view subject,
         path.emplace_back(place->key_);
     }
     std::ranges::reverse(path);
-    return {kind, std::string(subject), std::move(path), std::string(debugDescription)};
+    return {.kind = kind,
+            .subject = std::string(subject),
+            .codingPath = std::move(path),
+            .debugDescription = std::string(debugDescription)};
 }
 
 DecodingError Decoder::unexpected(std::string_view expectedType, Null null) const {

@@ -26,24 +26,24 @@ public:
     /// The value as an object with the members of a key set; other members are ignored, and of members of the
     /// same key the first counts. Any other type is a type mismatch, except that a member's null is a missing value.
     template <CodingKeySet Key>
-    std::expected<KeyedDecodingContainer<Key>, DecodingError> container() const;
+    [[nodiscard]] std::expected<KeyedDecodingContainer<Key>, DecodingError> container() const;
 
     /// The value as a record whose members, in declaration order, have the types `Members` and the keys of
     /// `Record::CodingKeys`. All are required; the first one that fails ends the decoding.
     template <typename Record, typename... Members>
-    std::expected<Record, DecodingError> record() const;
+    [[nodiscard]] std::expected<Record, DecodingError> record() const;
 
     /// The value as `true` or `false`.
-    std::expected<bool, DecodingError> boolean() const;
+    [[nodiscard]] std::expected<bool, DecodingError> boolean() const;
 
     /// The value as a signed 64-bit integer. A number with a fraction part or an exponent, which is read as a
     /// double, is taken when that double is whole and below 2^53 in magnitude (7.0, 7e0, -0.0), where doubles
     /// still tell all whole numbers apart. Any other number is corrupted data.
-    std::expected<std::int64_t, DecodingError> integer() const;
+    [[nodiscard]] std::expected<std::int64_t, DecodingError> integer() const;
 
     /// Errors of the records' own, at this value's place.
-    DecodingError typeMismatch(std::string_view expectedType, std::string_view debugDescription) const;
-    DecodingError dataCorrupted(std::string_view debugDescription) const;
+    [[nodiscard]] DecodingError typeMismatch(std::string_view expectedType, std::string_view debugDescription) const;
+    [[nodiscard]] DecodingError dataCorrupted(std::string_view debugDescription) const;
 
 private:
     friend class JSONDecoder;
@@ -63,11 +63,12 @@ private:
     Decoder(Value value, std::string_view key, const Decoder& parent) : value_(value), key_(key), parent_(&parent) {}
 
     /// Puts the first member of each name into its place of `found`.
-    std::optional<DecodingError> findMembers(std::span<const std::string_view> names,
-                                             std::span<std::optional<Value>> found, Null null) const;
-    DecodingError error(DecodingError::Kind kind, std::string_view subject, std::string_view debugDescription) const;
-    DecodingError unexpected(std::string_view expectedType, Null null) const;
-    DecodingError keyNotFound(std::string_view key) const;
+    [[nodiscard]] std::optional<DecodingError> findMembers(std::span<const std::string_view> names,
+                                                           std::span<std::optional<Value>> found, Null null) const;
+    [[nodiscard]] DecodingError error(DecodingError::Kind kind, std::string_view subject,
+                                      std::string_view debugDescription) const;
+    [[nodiscard]] DecodingError unexpected(std::string_view expectedType, Null null) const;
+    [[nodiscard]] DecodingError keyNotFound(std::string_view key) const;
 
     Value value_;
     std::string_view key_;
@@ -79,7 +80,7 @@ template <CodingKeySet Key>
 class KeyedDecodingContainer {
 public:
     /// The keys that the object holds, each once, in the order of the key set.
-    auto allKeys() const {
+    [[nodiscard]] auto allKeys() const {
         return std::views::iota(std::size_t{0}, members_.size()) |
                std::views::filter([this](std::size_t index) { return members_[index].has_value(); }) |
                std::views::transform([](std::size_t index) { return static_cast<Key>(index); });
@@ -87,7 +88,7 @@ public:
 
     /// The required value of a member.
     template <typename Member>
-    std::expected<Member, DecodingError> decode(Key key) const {
+    [[nodiscard]] std::expected<Member, DecodingError> decode(Key key) const {
         const auto& member = members_[static_cast<std::size_t>(key)];
         if (!member) {
             return std::unexpected(object_.keyNotFound(stringValue(key)));
@@ -98,7 +99,7 @@ public:
     /// The required object under a key, with the members of another key set. Anything else there, null
     /// included, is a type mismatch. Must not outlive this container.
     template <CodingKeySet Nested>
-    std::expected<KeyedDecodingContainer<Nested>, DecodingError> nestedContainer(Key key) const& {
+    [[nodiscard]] std::expected<KeyedDecodingContainer<Nested>, DecodingError> nestedContainer(Key key) const& {
         const auto& member = members_[static_cast<std::size_t>(key)];
         if (!member) {
             return std::unexpected(object_.keyNotFound(stringValue(key)));

@@ -24,7 +24,7 @@ struct DecodingError {
 
     /// Kind, coding path and debug description as one line of printable ASCII, whatever the members hold, so
     /// that a peer's text in them can neither break a log line nor hide in it.
-    std::string description() const;
+    [[nodiscard]] std::string description() const;
 
     bool operator==(const DecodingError&) const = default;
 };

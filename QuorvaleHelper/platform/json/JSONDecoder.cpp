@@ -45,8 +45,10 @@ JSONDecoder::Document::~Document() {
 
 std::expected<Decoder, DecodingError> JSONDecoder::Document::parse(std::string_view text) {
     const auto corrupted = [](std::string_view why) {
-        return std::unexpected(
-            DecodingError{DecodingError::Kind::DataCorrupted, {}, {}, "The text is not JSON: " + std::string(why)});
+        return std::unexpected(DecodingError{.kind = DecodingError::Kind::DataCorrupted,
+                                             .subject = {},
+                                             .codingPath = {},
+                                             .debugDescription = "The text is not JSON: " + std::string(why)});
     };
     // Newer parsers skip the mark, older ones refuse it.
     if (text.starts_with(byteOrderMark)) {

@@ -17,7 +17,7 @@ namespace quorvale::platform::json {
 class JSONDecoder {
 public:
     template <typename Record>
-    std::expected<Record, DecodingError> decode(std::string_view text) const {
+    [[nodiscard]] std::expected<Record, DecodingError> decode(std::string_view text) const {
         Document document;
         const auto root = document.parse(text);
         if (!root) {
@@ -36,7 +36,7 @@ private:
         Document& operator=(const Document&) = delete;
 
         /// The root of `text`, readable while the document lives.
-        std::expected<Decoder, DecodingError> parse(std::string_view text);
+        [[nodiscard]] std::expected<Decoder, DecodingError> parse(std::string_view text);
 
     private:
         struct Parser;

@@ -10,7 +10,7 @@ namespace quorvale::platform::json {
 class JSONEncoder {
 public:
     template <typename Value>
-    std::string encode(const Value& value) const {
+    [[nodiscard]] std::string encode(const Value& value) const {
         std::string text;
         Encoder encoder(text);
         Coding<Value>::encode(value, encoder);

@@ -274,6 +274,7 @@ TEST(JSONDecoderTest, DecodesSmallTextsAfterBrokenAndLargeOnes) {
 
 TEST(JSONDecoderTest, DecodesOnSeveralThreadsAtOnce) {
     std::vector<std::jthread> threads;
+    threads.reserve(4);
     for (std::int64_t thread = 0; thread < 4; ++thread) {
         threads.emplace_back([thread] {
             for (std::int64_t i = 0; i < 1000; ++i) {

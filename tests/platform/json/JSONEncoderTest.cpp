@@ -7,9 +7,7 @@
 
 namespace quorvale::platform::json {
 
-namespace {
-
-struct Record {
+struct EncodedRecord {
     enum class CodingKeys : std::uint8_t { flag, count, nested };
 
     friend constexpr auto codingKeyNames(CodingKeys /*keys*/) {
@@ -31,21 +29,19 @@ struct Record {
     }
 };
 
-struct Outer {
+struct EncodedOuter {
     enum class CodingKeys : std::uint8_t { record };
 
     friend constexpr auto codingKeyNames(CodingKeys /*keys*/) { return std::to_array<std::string_view>({"record"}); }
 
     void encode(Encoder& encoder) const {
-        encoder.container<CodingKeys>().encode(Record{.flag = false, .count = -2}, CodingKeys::record);
+        encoder.container<CodingKeys>().encode(EncodedRecord{.flag = false, .count = -2}, CodingKeys::record);
     }
 };
 
-} // namespace
-
 TEST(JSONEncoderTest, WritesMembersInTheOrderOfTheCalls) {
-    EXPECT_EQ(JSONEncoder{}.encode(Record{.flag = true, .count = 1}), R"({"flag":true,"nested":{},"count":1})");
-    EXPECT_EQ(JSONEncoder{}.encode(Outer{}), R"({"record":{"flag":false,"nested":{},"count":-2}})");
+    EXPECT_EQ(JSONEncoder{}.encode(EncodedRecord{.flag = true, .count = 1}), R"({"flag":true,"nested":{},"count":1})");
+    EXPECT_EQ(JSONEncoder{}.encode(EncodedOuter{}), R"({"record":{"flag":false,"nested":{},"count":-2}})");
 }
 
 TEST(JSONEncoderTest, WritesSingleValuesAtTopLevel) {

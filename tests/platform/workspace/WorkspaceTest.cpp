@@ -39,7 +39,7 @@ protected:
         writeInformation("Program");
     }
 
-    std::vector<std::string> report() const {
+    [[nodiscard]] std::vector<std::string> report() const {
         std::ifstream file(programs_ / "report");
         std::vector<std::string> lines;
         for (std::string line; std::getline(file, line);) {
