@@ -1,0 +1,102 @@
+#include "app/QuorvaleHelperApp.hpp"
+
+#include "agent_link/HelperXPC.hpp"
+#include "app/ApplicationOperations.hpp"
+#include "app/HelperIdentity.hpp"
+#include "app/StartUp.hpp"
+#include "platform/bundle/Bundle.hpp"
+#include "ui/menu/ProtectedState.hpp"
+#include "ui/menu/SystemColors.hpp"
+#include "ui/menu/WindowBarStyle.hpp"
+
+#include <QDBusConnection>
+
+#include <cstdlib>
+#include <string>
+
+namespace quorvale::app {
+
+namespace {
+
+using platform::application::Application;
+using platform::application::Instance;
+using platform::bundle::Bundle;
+using platform::desktop::MenuBarExtra;
+using platform::desktop::MenuBarIcon;
+using platform::queue::MainQueue;
+using ui::menu::ProtectedLook;
+
+constexpr double iconSize = 18;
+constexpr auto displayName = "Quorvale Helper";
+
+std::string identifier() {
+    return std::string(agent_link::HelperXPC::clientIdentity);
+}
+
+/// The image "MenuBarIcon", or the protected symbol where the bundle has none that can be read.
+MenuBarIcon menuBarIcon() {
+    const auto path = Bundle::main().resourcePath("MenuBarIcon");
+    auto icon = MenuBarIcon::load(QString::fromStdString(path.value_or("MenuBarIcon")));
+    if (icon) {
+        return *std::move(icon);
+    }
+    logger().error("Failed to load the menu bar icon: %{public}s", icon.error().toStdString());
+    return MenuBarIcon::fromSymbol(ProtectedLook::of(true).symbol, ui::menu::SystemColors::blue);
+}
+
+} // namespace
+
+void QuorvaleHelperApp::main(int argc, char** argv) {
+    Application application(argc, argv, identifier(), displayName);
+    switch (application.claimInstance()) {
+    case Instance::first:
+        break;
+    case Instance::anotherRuns:
+        application.terminate();
+    case Instance::noSessionBus:
+        logger().error("Failed to start: there is no session bus");
+        application.terminate(EXIT_FAILURE);
+    }
+    QuorvaleHelperApp helper(application);
+    helper.showMenuBarExtra();
+    application.run();
+}
+
+QuorvaleHelperApp::QuorvaleHelperApp(Application& application)
+    : logStore_([] { return std::make_shared<ui::logs::LogStore>(); }),
+      statusListener_([] { return status::StatusManager::shared(); }), application_(application),
+      colorScheme_(QDBusConnection::sessionBus()) {
+    application_.setDelegate(appDelegate_);
+    application_.setSessionBusLossHandler([&application] {
+        logger().error("The session bus went away");
+        application.terminate(EXIT_FAILURE);
+    });
+    startUp([&application] { application.terminate(); });
+}
+
+void QuorvaleHelperApp::showMenuBarExtra() {
+    auto& statusManager = *statusListener_.get();
+    auto& mainQueue = MainQueue::shared();
+    const auto bus = QDBusConnection::sessionBus();
+    menuBarExtra_ = std::make_unique<MenuBarExtra>(
+        bus, platform::desktop::StatusNotifierItem::Description{QString::fromStdString(identifier()),
+                                                               QString::fromLatin1(displayName), menuBarIcon()});
+    auto& extra = *menuBarExtra_;
+    QObject::connect(&extra, &MenuBarExtra::failed,
+                     [](const QString& what) { logger().error("%{public}s", what.toStdString()); });
+    extra.setContent(std::make_unique<ui::menu::WindowBarStyle>(
+        statusManager, mainQueue, iconSize,
+        ui::menu::WindowBarStyle::Actions{
+            .dismiss = [&extra] { extra.dismiss(); },
+            .openMainApplication = [] { openMainApplication(); },
+            .quitApplication = [this] { application_.terminate(); },
+        }));
+    const auto showStatus = [&extra, &statusManager] {
+        extra.setStatusText(ProtectedLook::of(statusManager.status()).text);
+    };
+    showStatus();
+    statusTextUpdates_ = statusManager.objectWillChange([&mainQueue, showStatus] { mainQueue.async(showStatus); });
+    application_.setActivationHandler([&extra] { extra.show(); });
+}
+
+} // namespace quorvale::app

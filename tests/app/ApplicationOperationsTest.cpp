@@ -1,0 +1,50 @@
+#include "app/ApplicationOperations.hpp"
+
+#include "support/RecordedLog.hpp"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace quorvale::app {
+
+TEST(ApplicationOperationsTest, FindsTheMainApplicationFourLevelsAboveTheHelper) {
+    struct Case {
+        const char* helper;
+        std::optional<std::filesystem::path> main;
+    };
+    for (const auto& [helper, main] : {
+             Case{"/opt/Quorvale.app/Contents/Library/LoginItems/QuorvaleHelper.app", "/opt/Quorvale.app"},
+             Case{"/P/x/y/z/Helper.app", "/P"},
+             Case{"/x/y/z/Helper.app", "/"},
+             Case{"/y/z/Helper.app", ""},
+             Case{"/z/Helper.app", std::nullopt},
+             Case{"/", std::nullopt},
+         }) {
+        EXPECT_EQ(mainApplicationPath(helper), main) << helper;
+    }
+}
+
+TEST(ApplicationOperationsTest, SaysInOneLineWhatItCannotOpen) {
+    const tests::RecordedLog log;
+    std::vector<std::string> opened;
+    const auto open = [&](const std::string& path) -> std::expected<void, std::string> {
+        opened.push_back(path);
+        return path == "/good" ? std::expected<void, std::string>() : std::unexpected("nothing there");
+    };
+    openMainApplication("/good/1/2/3/Helper.app", open, log.logger());
+    EXPECT_THAT(log.lines(), testing::IsEmpty());
+    openMainApplication("/bad/1/2/3/Helper.app", open, log.logger());
+    openMainApplication("/2/3/Helper.app", open, log.logger());
+    openMainApplication("/Helper.app", open, log.logger());
+    EXPECT_THAT(opened, testing::ElementsAre("/good", "/bad"));
+    EXPECT_THAT(log.lines(),
+                testing::ElementsAre(
+                    "error: Failed to open the main application: nothing there",
+                    "error: Failed to open the main application: the helper is not inside it: /2/3/Helper.app",
+                    "error: Failed to open the main application: the helper is not inside it: /Helper.app"));
+}
+
+} // namespace quorvale::app
