@@ -1,0 +1,96 @@
+#include "support/AgentProcess.hpp"
+#include "support/HelperProcess.hpp"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+namespace quorvale::app {
+
+namespace {
+
+using testing::ElementsAre;
+using testing::StartsWith;
+using tests::HelperProcess;
+using tests::Process;
+
+/// The helper as it is installed, on buses of its own.
+class QuorvaleHelperAppTest : public testing::Test {
+protected:
+    tests::PrivateBus systemBus_;
+    tests::PrivateBus sessionBus_;
+};
+
+} // namespace
+
+TEST_F(QuorvaleHelperAppTest, StartsWithoutConnectingAndEndsInOrder) {
+    const tests::AgentProcess agent(systemBus_);
+    HelperProcess helper(systemBus_, sessionBus_);
+    ASSERT_TRUE(helper.logs("info Quorvale Helper launched"));
+    helper.process().terminate();
+    EXPECT_EQ(helper.process().waitForExit(), (Process::Exit{.code = EXIT_SUCCESS}));
+    EXPECT_THAT(helper.log(), ElementsAre("info Quorvale Helper Started...", "info Version: 1.0.0 (1)",
+                                          "info Quorvale Helper launched", "info Quorvale Helper terminated"));
+    EXPECT_THAT(agent.events(), ElementsAre(StartsWith("ready")));
+}
+
+TEST_F(QuorvaleHelperAppTest, ConnectsWhenTheUpdaterSaysSoAndStartsToReconnectBeforeItQuits) {
+    tests::AgentProcess agent(systemBus_, {"--state", R"({"active":true})"});
+    HelperProcess helper(systemBus_, sessionBus_);
+    ASSERT_TRUE(helper.logs("info Quorvale Helper launched"));
+    helper.notify(R"({"running":false,"restart":true,"terminate":false})");
+    ASSERT_TRUE(helper.logs("info Initial State Changed: true"));
+    helper.notify(R"({"running":true,"restart":true,"terminate":true})");
+    EXPECT_EQ(helper.process().waitForExit(), (Process::Exit{.code = EXIT_SUCCESS}));
+
+    auto lines = helper.log();
+    // The old connection's end is reported on its own queue, whenever that comes to it.
+    std::erase(lines, "info Helper XPC: Connection invalidated");
+    EXPECT_THAT(std::vector(lines.begin() + 3, lines.end()),
+                ElementsAre("info Helper XPC: Attempting to connect to agent", "info Helper XPC: resuming XPC connection",
+                            "info Helper XPC: Connection resumed", "info Received notification: false",
+                            "info Initial State Changed: true", "info Helper XPC: Attempting to connect to agent",
+                            "info Helper XPC: Invalidating existing connection",
+                            "info Helper XPC: resuming XPC connection", "info Helper XPC: Connection resumed",
+                            "info Updater: Terminating Helper", "info Quorvale Helper terminated"));
+}
+
+TEST_F(QuorvaleHelperAppTest, EndsWithAnErrorWhenTheSessionBusGoesAway) {
+    HelperProcess helper(systemBus_, sessionBus_);
+    ASSERT_TRUE(helper.logs("info Quorvale Helper launched"));
+    sessionBus_.stop();
+    EXPECT_EQ(helper.process().waitForExit(), (Process::Exit{.code = EXIT_FAILURE}));
+    const auto lines = helper.log();
+    EXPECT_THAT(std::vector(lines.begin() + 3, lines.end()),
+                ElementsAre("error The session bus went away", "info Quorvale Helper terminated"));
+
+    HelperProcess busless(systemBus_, sessionBus_);
+    EXPECT_EQ(busless.process().waitForExit(), (Process::Exit{.code = EXIT_FAILURE}));
+    EXPECT_THAT(busless.log(), ElementsAre("error Failed to start: there is no session bus"));
+}
+
+TEST_F(QuorvaleHelperAppTest, RunsOnceInASession) {
+    HelperProcess helper(systemBus_, sessionBus_);
+    ASSERT_TRUE(helper.logs("info Quorvale Helper launched"));
+    HelperProcess second(systemBus_, sessionBus_);
+    EXPECT_EQ(second.process().waitForExit(), (Process::Exit{.code = EXIT_SUCCESS}));
+    EXPECT_THAT(second.log(), testing::IsEmpty());
+    EXPECT_TRUE(helper.process().running());
+}
+
+TEST_F(QuorvaleHelperAppTest, RunsOnAfterNotificationsThatItCannotTake) {
+    HelperProcess helper(systemBus_, sessionBus_);
+    ASSERT_TRUE(helper.logs("info Quorvale Helper launched"));
+    helper.notify("{}");
+    helper.notify(R"({"running":"<b>yes</b>","restart":false,"terminate":false})");
+    helper.notify(R"({"running":true,"restart":false,"terminate":false})");
+    ASSERT_TRUE(helper.logs("info Received notification: true"));
+    const auto lines = helper.log();
+    EXPECT_THAT(std::vector(lines.begin() + 3, lines.end()),
+                ElementsAre(StartsWith("error Failed to decode the updater's notification: "),
+                            StartsWith("error Failed to decode the updater's notification: "),
+                            "info Received notification: true"));
+}
+
+} // namespace quorvale::app
