@@ -1,5 +1,6 @@
 #include "platform/desktop/PanelWindow.hpp"
 
+#include "platform/desktop/InputGrab.hpp"
 #include "platform/desktop/PanelPlacement.hpp"
 
 #include <QGuiApplication>
@@ -90,8 +91,7 @@ void PanelWindow::hideEvent(QHideEvent* event) {
     grabTimer_.stop();
     pressedOutside_ = false;
     if (presentation_ == Presentation::AnchoredPopup) {
-        windowHandle()->setKeyboardGrabEnabled(false);
-        windowHandle()->setMouseGrabEnabled(false);
+        releaseInput(*windowHandle());
     }
     QWidget::hideEvent(event);
 }
@@ -142,7 +142,7 @@ void PanelWindow::timerEvent(QTimerEvent* event) {
         QWidget::timerEvent(event);
         return;
     }
-    if (grabInput()) {
+    if (grabInput(*windowHandle())) {
         grabTimer_.stop();
     }
 }
@@ -155,10 +155,6 @@ void PanelWindow::place() {
     const auto* const screen = found ? found : QGuiApplication::primaryScreen();
     move(panelTopLeft(anchor_, sizeHint(),
                       {screen->geometry(), screen->availableGeometry(), screen->devicePixelRatio()}));
-}
-
-bool PanelWindow::grabInput() {
-    return windowHandle()->setMouseGrabEnabled(true) && windowHandle()->setKeyboardGrabEnabled(true);
 }
 
 } // namespace quorvale::platform::desktop
