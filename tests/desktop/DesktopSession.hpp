@@ -14,8 +14,8 @@
 
 namespace quorvale::tests {
 
-/// A whole desktop session of the test's own, made by scripts/desktop_session: buses, X server, window manager and, unless
-/// it is told otherwise, a panel. Programs started by it see nothing of the machine's own session.
+/// A whole desktop session of the test's own, made by scripts/desktop_session: buses, X server, window manager and,
+/// unless it is told otherwise, a panel. Programs started by it see nothing of the machine's own session.
 class DesktopSession {
 public:
     explicit DesktopSession(std::vector<std::string> options = {});
@@ -30,18 +30,18 @@ public:
     [[nodiscard]] const HelperProcess::Environment& environment() const { return environment_; }
 
     /// Waits for the icon in the panel: its centre, in pixels of the screen.
-    QPoint icon() const;
+    [[nodiscard]] QPoint icon() const;
     void click(QPoint place) const;
     void press(const std::string& key) const;
 
-    QImage screenshot() const;
+    [[nodiscard]] QImage screenshot() const;
 
-    /// Waits until the screen shows a single filled area of `color`, and gives its bounds; empty if none comes. Anything
-    /// painted over the area, such as a text, counts as part of it.
+    /// Waits until the screen shows a single filled area of `color`, and gives its bounds; empty if none comes.
+    /// Anything painted over the area, such as a text, counts as part of it.
     QRect waitForArea(const QColor& color) const;
 
     /// Waits until nothing on the screen has `color`.
-    bool waitForNothingOf(const QColor& color) const;
+    [[nodiscard]] bool waitForNothingOf(const QColor& color) const;
 
 private:
     HelperProcess::Environment environment_;

@@ -83,7 +83,7 @@ TEST(PanelTest, ShowsEachStatusInTheOpenWindow) {
                    .arguments = {"--state", R"({"active":true})"},
                    .environment = environment});
     ASSERT_TRUE(agent.waitForLine("ready"));
-    HelperProcess helper(environment);
+    HelperProcess const helper(environment);
     const auto icon = session.icon();
     session.click(icon);
     const auto red = session.waitForArea(SystemColors::red);
@@ -96,15 +96,16 @@ TEST(PanelTest, ShowsEachStatusInTheOpenWindow) {
     agent.send("updateProtectionStatus false");
     EXPECT_EQ(session.waitForArea(SystemColors::red), red);
 
-    const auto item = session.run({"gdbus", "call", "--session", "--dest", "org.kde.StatusNotifierWatcher",
-                                   "--object-path", "/StatusNotifierWatcher", "--method",
-                                   "org.freedesktop.DBus.Properties.Get", "org.kde.StatusNotifierWatcher",
-                                   "RegisteredStatusNotifierItems"});
+    const auto item =
+        session.run({"gdbus", "call", "--session", "--dest", "org.kde.StatusNotifierWatcher", "--object-path",
+                     "/StatusNotifierWatcher", "--method", "org.freedesktop.DBus.Properties.Get",
+                     "org.kde.StatusNotifierWatcher", "RegisteredStatusNotifierItems"});
     const auto from = item.find('\'') + 1;
     const auto service = item.substr(from, item.find('/') - from);
     const auto toolTip = [&] {
         return session.run({"gdbus", "call", "--session", "--dest", service, "--object-path", "/StatusNotifierItem",
-                            "--method", "org.freedesktop.DBus.Properties.Get", "org.kde.StatusNotifierItem", "ToolTip"});
+                            "--method", "org.freedesktop.DBus.Properties.Get", "org.kde.StatusNotifierItem",
+                            "ToolTip"});
     };
     EXPECT_THAT(toolTip(), testing::HasSubstr("Quorvale Helper: Unprotected"));
     helper.notify(protectedNow);
@@ -114,12 +115,14 @@ TEST(PanelTest, ShowsEachStatusInTheOpenWindow) {
 
 TEST(PanelTest, DismissesTheWindowAsMenusAreDismissed) {
     const DesktopSession session;
-    HelperProcess helper(session.environment());
+    HelperProcess const helper(session.environment());
     const auto icon = session.icon();
+
     struct Case {
         const char* name;
         std::function<void()> dismiss;
     };
+
     const std::vector<Case> cases{
         {"a click on the icon", [&] { session.click(icon); }},
         {"a click elsewhere", [&] { session.click(bareDesktop()); }},
@@ -131,14 +134,15 @@ TEST(PanelTest, DismissesTheWindowAsMenusAreDismissed) {
         dismiss();
         EXPECT_TRUE(session.waitForNothingOf(SystemColors::red)) << name;
         // An answer of the helper proves that nothing is still on its way to it.
-        session.run({"gdbus", "introspect", "--session", "--dest", "com.quorvale.QuorvaleHelper", "--object-path", "/"});
+        session.run(
+            {"gdbus", "introspect", "--session", "--dest", "com.quorvale.QuorvaleHelper", "--object-path", "/"});
         EXPECT_TRUE(session.waitForNothingOf(SystemColors::red)) << name << " does not open it again";
     }
 }
 
 TEST(PanelTest, HighlightsTheOneButtonUnderThePointer) {
     const DesktopSession session;
-    HelperProcess helper(session.environment());
+    HelperProcess const helper(session.environment());
     session.click(session.icon());
     const auto box = session.waitForArea(SystemColors::red);
     const auto hover = [&](QPoint place) {
@@ -179,7 +183,7 @@ TEST(PanelTest, OpensTheMainApplicationFromTheKeyboardAndQuits) {
 
 TEST(PanelTest, DrawsTwiceAsManyPixelsAtScaleTwo) {
     const DesktopSession session({"--scale", "2", "--theme", "dark"});
-    HelperProcess helper(session.environment());
+    HelperProcess const helper(session.environment());
     session.click(session.icon());
     EXPECT_EQ(session.waitForArea(SystemColors::red).size(), QSize(2 * boxWidth, 2 * boxHeight));
 }
@@ -189,7 +193,7 @@ TEST(PanelTest, FallsBackToTheTrayOfX11) {
     const Process tray({.program = "trayer",
                         .arguments = {"--edge", "top", "--align", "right", "--widthtype", "request", "--height", "32"},
                         .environment = session.environment()});
-    HelperProcess helper(session.environment());
+    HelperProcess const helper(session.environment());
     QRect icon;
     ASSERT_TRUE(waitUntil([&] { return !(icon = shieldIn(session.screenshot())).isEmpty(); }));
     session.click(icon.center());
