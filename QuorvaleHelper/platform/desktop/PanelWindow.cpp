@@ -51,9 +51,9 @@ void PanelWindow::setContent(std::unique_ptr<QWidget> content) {
 
 void PanelWindow::open(QPoint anchor) {
     anchor_ = anchor;
-    // A window that opens shows no focus ring of an earlier time; the first Tab goes to the first control.
-    if (auto* const focused = focusWidget()) {
-        focused->clearFocus();
+    // No control of it has the focus of the keyboard until the user asks for one; the first Tab goes to the first.
+    if (const auto* const content = layout()->itemAt(0)) {
+        content->widget()->setFocus();
     }
     layout()->activate();
     place();

@@ -15,7 +15,7 @@ class FakePortal final : public QObject {
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.Settings")
 
 public:
-    FakePortal(const QDBusConnection& bus, QVariant scheme) : bus_(bus), scheme_(std::move(scheme)) {
+    FakePortal(QDBusConnection bus, QVariant scheme) : bus_(std::move(bus)), scheme_(std::move(scheme)) {
         bus_.registerObject(QStringLiteral("/org/freedesktop/portal/desktop"), this,
                             QDBusConnection::ExportAllContents);
         bus_.registerService(QStringLiteral("org.freedesktop.portal.Desktop"));
@@ -50,7 +50,7 @@ bool isDark() {
 
 class ColorSchemeFollowerTest : public testing::Test {
 protected:
-    ~ColorSchemeFollowerTest() override { QGuiApplication::setPalette({}); }
+    void TearDown() override { QGuiApplication::setPalette({}); }
 
     SessionBus session;
 };

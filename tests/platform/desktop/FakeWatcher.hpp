@@ -15,7 +15,7 @@ class FakeWatcher final : public QObject {
     Q_PROPERTY(QVariant IsStatusNotifierHostRegistered READ host)
 
 public:
-    explicit FakeWatcher(const QDBusConnection& bus, QVariant host = true) : bus_(bus), host_(std::move(host)) {
+    explicit FakeWatcher(QDBusConnection bus, QVariant host = true) : bus_(std::move(bus)), host_(std::move(host)) {
         bus_.registerObject(QStringLiteral("/StatusNotifierWatcher"), this, QDBusConnection::ExportAllContents);
         bus_.registerService(QStringLiteral("org.kde.StatusNotifierWatcher"));
     }

@@ -4,7 +4,6 @@
 #include "SessionBus.hpp"
 
 #include <memory>
-#include <optional>
 
 namespace quorvale::platform::desktop {
 
@@ -13,8 +12,8 @@ using Host = StatusNotifierHostWatch::Host;
 class StatusNotifierHostWatchTest : public testing::Test {
 protected:
     void start() {
-        watch.emplace(session.program);
-        QObject::connect(&*watch, &StatusNotifierHostWatch::failed, [this](const QString&) { ++failures; });
+        watch = std::make_unique<StatusNotifierHostWatch>(session.program);
+        QObject::connect(watch.get(), &StatusNotifierHostWatch::failed, [this](const QString&) { ++failures; });
     }
 
     void expectHost(Host host) {
@@ -22,7 +21,7 @@ protected:
     }
 
     SessionBus session;
-    std::optional<StatusNotifierHostWatch> watch;
+    std::unique_ptr<StatusNotifierHostWatch> watch;
     int failures = 0;
 };
 
@@ -80,7 +79,7 @@ TEST_F(StatusNotifierHostWatchTest, ListensToTheWatcherOnly) {
     start();
     expectHost(Host::Absent);
     int asked = 0;
-    QObject::connect(&*watch, &StatusNotifierHostWatch::hostChanged, [&] { ++asked; });
+    QObject::connect(watch.get(), &StatusNotifierHostWatch::hostChanged, [&] { ++asked; });
     // What the watcher would answer now is heard only by who asks it.
     {
         const QSignalBlocker silent(watcher);
