@@ -48,6 +48,12 @@ DesktopSession::DesktopSession(std::vector<std::string> options)
     }
 }
 
+DesktopSession::~DesktopSession() {
+    // A session that is killed leaves its folder behind.
+    session_.closeInput();
+    EXPECT_EQ(session_.waitForExit(), Process::Exit{});
+}
+
 std::string DesktopSession::run(std::vector<std::string> command) const {
     const auto program = command.front();
     command.erase(command.begin());

@@ -19,6 +19,9 @@ namespace quorvale::tests {
 class DesktopSession {
 public:
     explicit DesktopSession(std::vector<std::string> options = {});
+    ~DesktopSession();
+    DesktopSession(const DesktopSession&) = delete;
+    DesktopSession& operator=(const DesktopSession&) = delete;
 
     /// Runs a program in the session to its end; what it printed. Another exit status than 0 fails the test.
     std::string run(std::vector<std::string> command) const;
