@@ -7,9 +7,10 @@ const platform::connection::ExportedInterface<ClientCommunication>& ClientCommun
     using Client = ClientCommunication;
     static const auto table =
         platform::connection::ExportedInterface<Client>("com.quorvale.ClientCommunication")
-            .method(OneWay<Dictionary, std::string, std::string, std::string, std::string, double>{
-                        "promptUserWithAboutFlow", {"flow", "domain", "processName", "type", "id", "epoch"}},
-                    &Client::promptUserWithAboutFlow)
+            .method(
+                OneWay<Dictionary, std::string, std::string, std::string, std::string, double>{
+                    "promptUserWithAboutFlow", {"flow", "domain", "processName", "type", "id", "epoch"}},
+                &Client::promptUserWithAboutFlow)
             .method(OneWay<bool>{"updateProtectionStatus", {"isProtected"}}, &Client::updateProtectionStatus)
             .method(OneWay<bool>{"updateRulesStatus", {"status"}}, &Client::updateRulesStatus)
             .method(OneWay<std::string>{"updateEventLogDefaults", {"defaults"}}, &Client::updateEventLogDefaults)

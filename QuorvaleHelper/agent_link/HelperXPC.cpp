@@ -47,10 +47,9 @@ void HelperXPC::connectToAgent() {
     clientConnection_->resume();
     with_.logger.info("Helper XPC: Connection resumed");
 
-    with_.mainQueue.asyncAfter(MainQueue::Clock::now() + delayAfterResume,
-                               [self = shared_from_this(), connection = clientConnection_] {
-                                   self->registerClient(*connection);
-                               });
+    with_.mainQueue.asyncAfter(
+        MainQueue::Clock::now() + delayAfterResume,
+        [self = shared_from_this(), connection = clientConnection_] { self->registerClient(*connection); });
     with_.mainQueue.asyncAfter(MainQueue::Clock::now() + delayAfterResume,
                                [self = shared_from_this()] { self->requestAgentState(); });
 }
@@ -59,10 +58,8 @@ void HelperXPC::configure(Connection& connection) {
     connection.setRemoteObjectInterface(AgentCommunication::interface());
     connection.setExportedInterface(ClientCommunication::interface(),
                                     std::static_pointer_cast<ClientCommunication>(shared_from_this()));
-    connection.setInvalidationHandler(
-        [&logger = with_.logger] { logger.info("Helper XPC: Connection invalidated"); });
-    connection.setInterruptionHandler(
-        [&logger = with_.logger] { logger.info("Helper XPC: Connection interrupted"); });
+    connection.setInvalidationHandler([&logger = with_.logger] { logger.info("Helper XPC: Connection invalidated"); });
+    connection.setInterruptionHandler([&logger = with_.logger] { logger.info("Helper XPC: Connection interrupted"); });
 }
 
 void HelperXPC::registerClient(Connection& connection) {

@@ -10,8 +10,8 @@
 
 namespace quorvale::app {
 
-/// The main application's bundle: the helper's own lies four levels below it. None when `helperBundlePath` has fewer than
-/// four components, the leading slash counted as one.
+/// The main application's bundle: the helper's own lies four levels below it. None when `helperBundlePath` has fewer
+/// than four components, the leading slash counted as one.
 std::optional<std::filesystem::path> mainApplicationPath(const std::filesystem::path& helperBundlePath);
 
 /// Opens the main application in which the helper's bundle lies. What can't be opened is one error line. Main thread.

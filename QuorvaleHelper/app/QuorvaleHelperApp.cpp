@@ -64,7 +64,8 @@ void QuorvaleHelperApp::main(int argc, char** argv) {
 
 QuorvaleHelperApp::QuorvaleHelperApp(Application& application)
     : logStore_([] { return std::make_shared<ui::logs::LogStore>(); }),
-      statusListener_([] { return status::StatusManager::shared(); }), application_(application),
+      statusListener_([] { return status::StatusManager::shared(); }),
+      application_(application),
       colorScheme_(QDBusConnection::sessionBus()) {
     application_.setDelegate(appDelegate_);
     application_.setSessionBusLossHandler([&application] {
@@ -80,17 +81,17 @@ void QuorvaleHelperApp::showMenuBarExtra() {
     const auto bus = QDBusConnection::sessionBus();
     menuBarExtra_ = std::make_unique<MenuBarExtra>(
         bus, platform::desktop::StatusNotifierItem::Description{QString::fromStdString(identifier()),
-                                                               QString::fromLatin1(displayName), menuBarIcon()});
+                                                                QString::fromLatin1(displayName), menuBarIcon()});
     auto& extra = *menuBarExtra_;
     QObject::connect(&extra, &MenuBarExtra::failed,
                      [](const QString& what) { logger().error("%{public}s", what.toStdString()); });
-    extra.setContent(std::make_unique<ui::menu::WindowBarStyle>(
-        statusManager, mainQueue, iconSize,
-        ui::menu::WindowBarStyle::Actions{
-            .dismiss = [&extra] { extra.dismiss(); },
-            .openMainApplication = [] { openMainApplication(); },
-            .quitApplication = [this] { application_.terminate(); },
-        }));
+    extra.setContent(
+        std::make_unique<ui::menu::WindowBarStyle>(statusManager, mainQueue, iconSize,
+                                                   ui::menu::WindowBarStyle::Actions{
+                                                       .dismiss = [&extra] { extra.dismiss(); },
+                                                       .openMainApplication = [] { openMainApplication(); },
+                                                       .quitApplication = [this] { application_.terminate(); },
+                                                   }));
     const auto showStatus = [&extra, &statusManager] {
         extra.setStatusText(ProtectedLook::of(statusManager.status()).text);
     };

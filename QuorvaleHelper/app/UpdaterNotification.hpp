@@ -18,8 +18,8 @@ struct UpdaterActions {
     std::function<void(bool)> setStatus;
 };
 
-/// Acts on one notification of the updater: connects, quits and hands on the status, in this order, as its flags say. One
-/// without an object is ignored; one whose object is not an `AppState` is one error line. Main thread.
+/// Acts on one notification of the updater: connects, quits and hands on the status, in this order, as its flags say.
+/// One without an object is ignored; one whose object is not an `AppState` is one error line. Main thread.
 void handleUpdaterNotification(const platform::notification::Notification& notification, const UpdaterActions& actions,
                                const platform::log::Logger& logger);
 

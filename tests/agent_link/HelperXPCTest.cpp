@@ -22,7 +22,6 @@ namespace {
 using namespace std::chrono_literals;
 using platform::connection::Connection;
 using testing::ElementsAre;
-using testing::IsEmpty;
 using testing::StartsWith;
 using tests::AgentProcess;
 using tests::PrivateBus;
@@ -39,7 +38,7 @@ protected:
         observation_ = status_->objectWillChange([this] { ++notifications_; });
     }
 
-    ~HelperXPCTest() override {
+    void TearDown() override {
         if (const auto& connection = link_->clientConnection()) {
             const auto ended = log_.count(invalidated) + 1;
             connection->invalidate();
@@ -149,11 +148,10 @@ TEST_F(HelperXPCTest, StaysUnconnectedWithoutABus) {
 TEST_F(HelperXPCTest, ReportsAMissingServiceThroughEachErrorHandler) {
     link_->connectToAgent();
     ASSERT_TRUE(logged("error: Error creating provider proxy: <private>"));
-    EXPECT_THAT(log_.lines(),
-                ElementsAre("Helper XPC: Attempting to connect to agent", "Helper XPC: resuming XPC connection",
-                            "Helper XPC: Connection resumed", invalidated,
-                            "error: Failed to register client with agent: <private>",
-                            "error: Error creating provider proxy: <private>"));
+    EXPECT_THAT(log_.lines(), ElementsAre("Helper XPC: Attempting to connect to agent",
+                                          "Helper XPC: resuming XPC connection", "Helper XPC: Connection resumed",
+                                          invalidated, "error: Failed to register client with agent: <private>",
+                                          "error: Error creating provider proxy: <private>"));
     EXPECT_NE(link_->clientConnection(), nullptr);
     EXPECT_EQ(notifications_, 0);
     connectionEnded_ = true;
@@ -200,10 +198,12 @@ TEST_F(HelperXPCTest, IsInvalidatedWhenTheBusGoesAway) {
 TEST_F(HelperXPCTest, AnswersOnlyAReplyThatCarriesAState) {
     AgentProcess agent(bus_, {"--state", agentActive});
     connect(agent);
+
     struct Case {
         const char* reply;
         std::vector<std::string> lines;
     };
+
     const std::vector<Case> cases{
         {"none", {}},
         {"text {}",
@@ -281,17 +281,17 @@ TEST_F(HelperXPCTest, RefusesAStrangersCalls) {
         agent.command("impostor updateProtectionStatus false");
         return agent.waitForEvent("impostor-result").value_or("");
     };
-    const auto refused = StartsWith(
-        "impostor-result updateProtectionStatus error org.freedesktop.DBus.Error.AccessDenied");
+    const auto refused =
+        StartsWith("impostor-result updateProtectionStatus error org.freedesktop.DBus.Error.AccessDenied");
     EXPECT_THAT(push(), refused);
 
     // A stranger may tell the helper that the agent's name has changed hands, in the bus's words but not in its name.
     const auto client = events(agent, "registered ").front();
     const auto name = QString::fromStdString(client.substr(11, client.find(' ', 11) - 11));
     auto stranger = QDBusConnection::connectToBus(QString::fromStdString(bus_.address()), QStringLiteral("stranger"));
-    auto lie = QDBusMessage::createTargetedSignal(name, QStringLiteral("/org/freedesktop/DBus"),
-                                                  QStringLiteral("org.freedesktop.DBus"),
-                                                  QStringLiteral("NameOwnerChanged"));
+    auto lie =
+        QDBusMessage::createTargetedSignal(name, QStringLiteral("/org/freedesktop/DBus"),
+                                           QStringLiteral("org.freedesktop.DBus"), QStringLiteral("NameOwnerChanged"));
     lie << QString::fromStdString(HelperXPC::agentService().name) << QString() << stranger.baseService();
     auto call = QDBusMessage::createMethodCall(name, QStringLiteral("/com/quorvale/QuorvaleHelper"),
                                                QStringLiteral("com.quorvale.ClientCommunication"),
@@ -313,10 +313,12 @@ TEST_F(HelperXPCTest, NamesTheMethodAndTheArgumentThatDoesNotDecode) {
     AgentProcess agent(bus_, {"--state", agentActive});
     connect(agent);
     const auto lines = log_.lines();
+
     struct Case {
         const char* command;
         const char* answer;
     };
+
     constexpr auto invalid = "error org.freedesktop.DBus.Error.InvalidArgs ";
     for (const auto& [command, answer] : {
              Case{"updateProtectionStatus s:true", "updateProtectionStatus: argument isProtected does not decode."},
@@ -349,8 +351,8 @@ TEST(AgentCommunicationTest, DeclaresTheAgentsFiveMethods) {
     EXPECT_THAT(AgentCommunication::interface().methods,
                 ElementsAre(Method{"registerClientWith", {{"identity", Type::text}}, std::nullopt},
                             Method{"updateSharedDefaultsWith", {{"defaults", Type::dictionary}}, Type::boolean},
-                            Method{"updateGeoDefaults", {}, Type::text},
-                            Method{"agentState", {}, Type::optionalText}, Method{"reloadCloud", {}, std::nullopt}));
+                            Method{"updateGeoDefaults", {}, Type::text}, Method{"agentState", {}, Type::optionalText},
+                            Method{"reloadCloud", {}, std::nullopt}));
 }
 
 } // namespace quorvale::agent_link

@@ -15,6 +15,7 @@ TEST(ApplicationOperationsTest, FindsTheMainApplicationFourLevelsAboveTheHelper)
         const char* helper;
         std::optional<std::filesystem::path> main;
     };
+
     for (const auto& [helper, main] : {
              Case{"/opt/Quorvale.app/Contents/Library/LoginItems/QuorvaleHelper.app", "/opt/Quorvale.app"},
              Case{"/P/x/y/z/Helper.app", "/P"},
@@ -40,11 +41,11 @@ TEST(ApplicationOperationsTest, SaysInOneLineWhatItCannotOpen) {
     openMainApplication("/2/3/Helper.app", open, log.logger());
     openMainApplication("/Helper.app", open, log.logger());
     EXPECT_THAT(opened, testing::ElementsAre("/good", "/bad"));
-    EXPECT_THAT(log.lines(),
-                testing::ElementsAre(
-                    "error: Failed to open the main application: nothing there",
-                    "error: Failed to open the main application: the helper is not inside it: /2/3/Helper.app",
-                    "error: Failed to open the main application: the helper is not inside it: /Helper.app"));
+    EXPECT_THAT(
+        log.lines(),
+        testing::ElementsAre("error: Failed to open the main application: nothing there",
+                             "error: Failed to open the main application: the helper is not inside it: /2/3/Helper.app",
+                             "error: Failed to open the main application: the helper is not inside it: /Helper.app"));
 }
 
 } // namespace quorvale::app

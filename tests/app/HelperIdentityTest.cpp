@@ -1,4 +1,5 @@
 #include "app/HelperIdentity.hpp"
+
 #include "app/StartUp.hpp"
 
 #include <QTemporaryDir>

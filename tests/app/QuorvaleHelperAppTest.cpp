@@ -36,7 +36,7 @@ TEST_F(QuorvaleHelperAppTest, StartsWithoutConnectingAndEndsInOrder) {
 }
 
 TEST_F(QuorvaleHelperAppTest, ConnectsWhenTheUpdaterSaysSoAndStartsToReconnectBeforeItQuits) {
-    tests::AgentProcess agent(systemBus_, {"--state", R"({"active":true})"});
+    tests::AgentProcess const agent(systemBus_, {"--state", R"({"active":true})"});
     HelperProcess helper(systemBus_, sessionBus_);
     ASSERT_TRUE(helper.logs("info Quorvale Helper launched"));
     helper.notify(R"({"running":false,"restart":true,"terminate":false})");
@@ -48,9 +48,10 @@ TEST_F(QuorvaleHelperAppTest, ConnectsWhenTheUpdaterSaysSoAndStartsToReconnectBe
     // The old connection's end is reported on its own queue, whenever that comes to it.
     std::erase(lines, "info Helper XPC: Connection invalidated");
     EXPECT_THAT(std::vector(lines.begin() + 3, lines.end()),
-                ElementsAre("info Helper XPC: Attempting to connect to agent", "info Helper XPC: resuming XPC connection",
-                            "info Helper XPC: Connection resumed", "info Received notification: false",
-                            "info Initial State Changed: true", "info Helper XPC: Attempting to connect to agent",
+                ElementsAre("info Helper XPC: Attempting to connect to agent",
+                            "info Helper XPC: resuming XPC connection", "info Helper XPC: Connection resumed",
+                            "info Received notification: false", "info Initial State Changed: true",
+                            "info Helper XPC: Attempting to connect to agent",
                             "info Helper XPC: Invalidating existing connection",
                             "info Helper XPC: resuming XPC connection", "info Helper XPC: Connection resumed",
                             "info Updater: Terminating Helper", "info Quorvale Helper terminated"));

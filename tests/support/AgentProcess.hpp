@@ -3,6 +3,8 @@
 #include "support/PrivateBus.hpp"
 #include "support/Process.hpp"
 
+#include <chrono>
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -16,8 +18,8 @@ class AgentProcess {
 public:
     explicit AgentProcess(const PrivateBus& bus, const std::vector<std::string>& arguments = {});
 
-    /// Has the agent obey one command line.
-    void command(std::string_view line) { process_.send(line); }
+    /// Has the agent obey one command line. Whatever reaches the agent after this has returned meets it obeyed.
+    void command(std::string_view line);
 
     /// The next event that begins with `beginning`; no value if none comes within the deadline.
     std::optional<std::string> waitForEvent(std::string_view beginning,
@@ -30,6 +32,7 @@ public:
 
 private:
     Process process_;
+    std::ptrdiff_t commands_ = 0;
 };
 
 } // namespace quorvale::tests

@@ -24,10 +24,11 @@ HelperProcess::HelperProcess(const PrivateBus& systemBus, const PrivateBus& sess
                                 {"QT_QPA_PLATFORM", "offscreen"}}) {}
 
 HelperProcess::HelperProcess(const Environment& environment)
-    : environment_(environment), process_({.program = QUORVALE_SCRIPTS "/without_journal",
-                                           .arguments = {QUORVALE_STAGED_HELPER},
-                                           .environment = environment,
-                                           .errorOutput = Process::ErrorOutput::Merged}) {}
+    : environment_(environment),
+      process_({.program = QUORVALE_SCRIPTS "/without_journal",
+                .arguments = {QUORVALE_STAGED_HELPER},
+                .environment = environment,
+                .errorOutput = Process::ErrorOutput::Merged}) {}
 
 bool HelperProcess::logs(std::string_view text) {
     return waitUntil([&] {

@@ -58,6 +58,8 @@ void Commands::obey(const QString& line) {
     if (trimmed.isEmpty() || trimmed.startsWith(u'#')) {
         return;
     }
+    // Written first: its reader then finds the command obeyed in whatever it sends next, on the bus too.
+    events_.write({QStringLiteral("obeys"), trimmed});
     const auto command = trimmed.section(u' ', 0, 0);
     const auto rest = trimmed.section(u' ', 1);
     std::expected<void, QString> done;

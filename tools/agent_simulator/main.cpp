@@ -26,6 +26,7 @@ QString description() {
     text += QStringLiteral("\nMETHOD and its ARGUMENTs:\n") + QString::fromLatin1(ClientCall::help);
     text += QStringLiteral("\nEvents, one a line on standard output:\n"
                            "  ready NAME, released NAME             the agent's name is had, given up\n"
+                           "  obeys COMMAND                         a command begins\n"
                            "  call METHOD CLIENT                    any call that came in\n"
                            "  registered CLIENT IDENTITY            registerClientWith came\n"
                            "  replied METHOD CLIENT [TEXT...]       agentState has been answered\n"

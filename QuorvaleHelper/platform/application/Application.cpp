@@ -98,6 +98,7 @@ public:
     ApplicationDelegate* delegate = nullptr;
 
 public Q_SLOTS:
+
     Q_SCRIPTABLE void Activate(const QVariantMap& platformData) {
         useActivationToken(platformData);
         if (onActivation) {
@@ -115,6 +116,7 @@ public Q_SLOTS:
     }
 
 private Q_SLOTS:
+
     void busDisconnected() {
         if (const auto handler = std::exchange(onSessionBusLoss, {})) {
             handler();

@@ -46,8 +46,8 @@ public:
     /// Runs the event loop, in which the delegate first hears of the launch. Does not return.
     [[noreturn]] void run();
 
-    /// Tells the delegate and ends the process with `status`. Nothing is closed or destroyed: a connection's thread may be
-    /// at work with what would be.
+    /// Tells the delegate and ends the process with `status`. Nothing is closed or destroyed: a connection's thread may
+    /// be at work with what would be.
     [[noreturn]] void terminate(int status = 0);
 
 private:

@@ -57,9 +57,7 @@ struct ToBusVariant {
         return QVariant::fromValue(argument);
     }
 
-    QVariant operator()(const Dictionary& dictionary) const {
-        return QVariant::fromValue(toBusDictionary(dictionary));
-    }
+    QVariant operator()(const Dictionary& dictionary) const { return QVariant::fromValue(toBusDictionary(dictionary)); }
 };
 
 QVariant toBusVariant(const PropertyList& list) {
@@ -168,9 +166,7 @@ struct ToBus {
 
     QVariant operator()(double number) const { return number; }
 
-    QVariant operator()(const Dictionary& dictionary) const {
-        return QVariant::fromValue(toBusDictionary(dictionary));
-    }
+    QVariant operator()(const Dictionary& dictionary) const { return QVariant::fromValue(toBusDictionary(dictionary)); }
 
     QVariant operator()(const std::optional<std::string>& text) const {
         return text ? QStringList(QString::fromStdString(*text)) : QStringList();

@@ -119,8 +119,8 @@ public:
             onError({"org.freedesktop.DBus.Error.Disconnected", "The connection was invalidated."});
             return;
         }
-        auto message = QDBusMessage::createMethodCall(service(), servicePath(), toQString(remoteName_),
-                                                      toQString(method.name));
+        auto message =
+            QDBusMessage::createMethodCall(service(), servicePath(), toQString(remoteName_), toQString(method.name));
         for (const auto& argument : arguments) {
             message << toBus(argument);
         }
@@ -146,7 +146,7 @@ public:
         }
     }
 
-    QString introspect(const QString& /*path*/) const override {
+    [[nodiscard]] QString introspect(const QString& /*path*/) const override {
         auto xml = QStringLiteral("<interface name=\"%1\">").arg(toQString(exported_.name));
         for (const auto& method : exported_.methods) {
             xml += QStringLiteral("<method name=\"%1\">").arg(toQString(method.name));
@@ -177,9 +177,10 @@ public:
         }
         auto arguments = decode(*method, message.arguments());
         if (!arguments) {
-            answer(message, message.createErrorReply(QDBusError::InvalidArgs,
-                                                     QStringLiteral("%1: argument %2 does not decode.")
-                                                         .arg(message.member(), argumentName(*method, arguments.error()))));
+            answer(message,
+                   message.createErrorReply(QDBusError::InvalidArgs,
+                                            QStringLiteral("%1: argument %2 does not decode.")
+                                                .arg(message.member(), argumentName(*method, arguments.error()))));
             return true;
         }
         incoming_[static_cast<std::size_t>(method - exported_.methods.begin())](*std::move(arguments));
@@ -194,6 +195,7 @@ public:
     std::function<void()> onInterruption_;
 
 private Q_SLOTS:
+
     void busDisconnected() { becomeInvalid(); }
 
     void nameOwnerChanged(const QDBusMessage& message) {
@@ -214,11 +216,11 @@ private:
         std::function<void(Value)> onReply;
     };
 
-    Channel(const ServiceAddress& address, const QDBusConnection& bus) : address_(address), bus_(bus) {}
+    Channel(ServiceAddress address, QDBusConnection bus) : address_(std::move(address)), bus_(std::move(bus)) {}
 
-    QString service() const { return toQString(address_.name); }
+    [[nodiscard]] QString service() const { return toQString(address_.name); }
 
-    QString servicePath() const { return toQString(address_.objectPath); }
+    [[nodiscard]] QString servicePath() const { return toQString(address_.objectPath); }
 
     void startService() {
         askBus(QStringLiteral("StartServiceByName"), {service(), 0U}, [this](const QDBusMessage& answer) {
@@ -242,7 +244,8 @@ private:
     }
 
     QDBusPendingCallWatcher* watch(const QDBusMessage& message) {
-        // An answer is asked for also where there is nothing to answer: it is how the bus tells that a message did not arrive.
+        // An answer is asked for also where there is nothing to answer: it is how the bus tells that a message did not
+        // arrive.
         auto* const watcher = new QDBusPendingCallWatcher(bus_.asyncCall(message, noTimeLimit), this);
         connect(watcher, &QDBusPendingCallWatcher::finished, this, &Channel::finish);
         return watcher;
@@ -268,8 +271,8 @@ private:
         if (value) {
             onReply(*std::move(value));
         } else {
-            onError({"org.freedesktop.DBus.Error.InvalidSignature", "The reply is of type \"" +
-                                                                        answer.signature().toStdString() + "\"."});
+            onError({"org.freedesktop.DBus.Error.InvalidSignature",
+                     "The reply is of type \"" + answer.signature().toStdString() + "\"."});
         }
     }
 
@@ -299,9 +302,8 @@ Proxy::Proxy(std::shared_ptr<Channel> channel, std::optional<Interface> interfac
 
 void Proxy::post(Method method, std::vector<Value> arguments, std::function<void(Value)> reply) const {
     channel_->post([channel = channel_.get(), method = std::move(method), arguments = std::move(arguments),
-                    onError = errorHandler_, onReply = std::move(reply)] {
-        channel->send(method, arguments, onError, onReply);
-    });
+                    onError = errorHandler_,
+                    onReply = std::move(reply)] { channel->send(method, arguments, onError, onReply); });
 }
 
 std::shared_ptr<Connection> Connection::toService(const ServiceAddress& address) {

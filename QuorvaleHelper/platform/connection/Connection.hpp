@@ -20,8 +20,9 @@ struct Error {
     std::string name; ///< A D-Bus error name.
     std::string message;
 
-    std::string localizedDescription() const;
-    std::string description() const { return localizedDescription(); }
+    [[nodiscard]] std::string localizedDescription() const;
+
+    [[nodiscard]] std::string description() const { return localizedDescription(); }
 };
 
 using ErrorHandler = std::function<void(const Error&)>;
@@ -36,7 +37,7 @@ public:
     Proxy(std::shared_ptr<Channel> channel, std::optional<Interface> interface, ErrorHandler errorHandler);
 
     /// Whether the peer was declared to implement `interface`.
-    bool implements(const Interface& interface) const { return interface_ == interface; }
+    [[nodiscard]] bool implements(const Interface& interface) const { return interface_ == interface; }
 
     /// Any thread; does not block.
     template <typename... Arguments>
@@ -63,14 +64,15 @@ private:
 /// A client's connection to a named service: a bus connection of its own, with a queue of its own (one thread) on which
 /// its handlers, replies and incoming calls run in order.
 ///
-/// The service is a name on the system bus (`DBUS_SYSTEM_BUS_ADDRESS` chooses another), which the bus's policy lets only
-/// the right process own. Incoming calls are taken from the name's owner alone; any other caller gets
+/// The service is a name on the system bus (`DBUS_SYSTEM_BUS_ADDRESS` chooses another), which the bus's policy lets
+/// only the right process own. Incoming calls are taken from the name's owner alone; any other caller gets
 /// `org.freedesktop.DBus.Error.AccessDenied`, and arguments that do not decode get
-/// `org.freedesktop.DBus.Error.InvalidArgs` with the method's and the argument's name. A caller that asks for an answer to
-/// a one-way method gets an empty one, the bus's receipt.
+/// `org.freedesktop.DBus.Error.InvalidArgs` with the method's and the argument's name. A caller that asks for an answer
+/// to a one-way method gets an empty one, the bus's receipt.
 ///
-/// Interruption: the name lost its owner; later messages reach the next owner. Invalidation: the connection is finished,
-/// because of `invalidate`, because the name has no owner and can't be activated, or because the bus went away.
+/// Interruption: the name lost its owner; later messages reach the next owner. Invalidation: the connection is
+/// finished, because of `invalidate`, because the name has no owner and can't be activated, or because the bus went
+/// away.
 ///
 /// Configure it before `resume`. Every operation may be called from any thread and returns without waiting for the bus,
 /// except for `toService`. Dropping the last reference ends the connection silently.
@@ -90,10 +92,11 @@ public:
     /// Declares what this side implements, and the object that gets the peer's calls. The connection keeps the object
     /// alive until it is invalidated.
     template <typename Object>
-    void setExportedInterface(const ExportedInterface<Object>& interface, std::shared_ptr<Object> object) {
+    void setExportedInterface(const ExportedInterface<Object>& interface, const std::shared_ptr<Object>& object) {
         std::vector<std::function<void(std::vector<Value>)>> handlers;
         for (const auto& handler : interface.handlers()) {
-            handlers.push_back([handler, object](std::vector<Value> arguments) { handler(*object, std::move(arguments)); });
+            handlers.push_back(
+                [handler, object](std::vector<Value> arguments) { handler(*object, std::move(arguments)); });
         }
         exportMethods(interface.interface(), std::move(handlers));
     }
@@ -108,7 +111,7 @@ public:
     /// Ends the connection. Messages without an answer fail, then the invalidation handler runs.
     void invalidate();
 
-    Proxy remoteObjectProxyWithErrorHandler(ErrorHandler handler) const;
+    [[nodiscard]] Proxy remoteObjectProxyWithErrorHandler(ErrorHandler handler) const;
 
 private:
     void exportMethods(Interface interface, std::vector<std::function<void(std::vector<Value>)>> handlers);

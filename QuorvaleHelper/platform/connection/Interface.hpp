@@ -58,8 +58,9 @@ struct Request {
 
 template <typename... Arguments>
 std::vector<Parameter> parametersOf(const std::array<std::string_view, sizeof...(Arguments)>& names) {
-    [[maybe_unused]] std::size_t index = 0;
-    return {Parameter{names[index++], typeOf<Arguments>()}...};
+    return [&]<std::size_t... index>(std::index_sequence<index...>) {
+        return std::vector<Parameter>{{names[index], typeOf<Arguments>()}...};
+    }(std::index_sequence_for<Arguments...>{});
 }
 
 template <typename... Arguments>
@@ -99,8 +100,9 @@ public:
         return *this;
     }
 
-    const Interface& interface() const { return interface_; }
-    const std::vector<Handler>& handlers() const { return handlers_; }
+    [[nodiscard]] const Interface& interface() const { return interface_; }
+
+    [[nodiscard]] const std::vector<Handler>& handlers() const { return handlers_; }
 
 private:
     Interface interface_;

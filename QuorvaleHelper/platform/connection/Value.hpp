@@ -29,8 +29,8 @@ struct PropertyList {
     bool operator==(const PropertyList&) const = default;
 };
 
-/// What a message carries: an argument or a reply. On the bus, in the order of the alternatives: `s`, `b`, `d`, `a{sv}`,
-/// and `as` with no or one string.
+/// What a message carries: an argument or a reply. On the bus, in the order of the alternatives: `s`, `b`, `d`,
+/// `a{sv}`, and `as` with no or one string.
 using Value = std::variant<std::string, bool, double, Dictionary, std::optional<std::string>>;
 
 /// The alternatives of `Value`, in their order.

@@ -1,8 +1,8 @@
 #include "platform/desktop/ColorSchemeFollower.hpp"
 
-#include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
+#include <QDBusVariant>
 #include <QGuiApplication>
 #include <QPalette>
 
@@ -29,7 +29,7 @@ QPalette darkPalette() {
 
 ColorSchemeFollower::ColorSchemeFollower(QDBusConnection bus, QObject* parent) : QObject(parent) {
     bus.connect({}, portalPath, portalInterface, QStringLiteral("SettingChanged"), this,
-                SLOT(settingChanged(QString, QString, QDBusVariant)));
+                SLOT(settingChanged(QDBusMessage)));
     auto message = QDBusMessage::createMethodCall(portal, portalPath, portalInterface, QStringLiteral("Read"));
     message << appearance << colorScheme;
     auto* const watcher = new QDBusPendingCallWatcher(bus.asyncCall(message), this);
@@ -49,10 +49,11 @@ ColorSchemeFollower::ColorSchemeFollower(QDBusConnection bus, QObject* parent) :
     });
 }
 
-void ColorSchemeFollower::settingChanged(const QString& area, const QString& key, const QDBusVariant& value) {
-    if (area == appearance && key == colorScheme) {
+void ColorSchemeFollower::settingChanged(const QDBusMessage& message) {
+    const auto arguments = message.arguments();
+    if (arguments.size() == 3 && arguments[0] == appearance && arguments[1] == colorScheme) {
         told_ = true;
-        apply(value.variant());
+        apply(arguments[2].value<QDBusVariant>().variant());
     }
 }
 

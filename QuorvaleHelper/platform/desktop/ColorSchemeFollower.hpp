@@ -1,9 +1,9 @@
 #pragma once
 
 #include <QDBusConnection>
-#include <QDBusVariant>
+#include <QDBusMessage>
 #include <QObject>
-#include <QString>
+#include <QVariant>
 
 namespace quorvale::platform::desktop {
 
@@ -19,7 +19,7 @@ public:
     explicit ColorSchemeFollower(QDBusConnection bus, QObject* parent = nullptr);
 
 private Q_SLOTS:
-    void settingChanged(const QString& area, const QString& key, const QDBusVariant& value);
+    void settingChanged(const QDBusMessage& message);
 
 private:
     void apply(const QVariant& scheme);

@@ -1,5 +1,6 @@
 #include "platform/desktop/PanelWindow.hpp"
 
+#include "platform/desktop/InputGrab.hpp"
 #include "platform/desktop/PanelPlacement.hpp"
 
 #include <QGuiApplication>
@@ -50,9 +51,9 @@ void PanelWindow::setContent(std::unique_ptr<QWidget> content) {
 
 void PanelWindow::open(QPoint anchor) {
     anchor_ = anchor;
-    // A window that opens shows no focus ring of an earlier time; the first Tab goes to the first control.
-    if (auto* const focused = focusWidget()) {
-        focused->clearFocus();
+    // No control of it has the focus of the keyboard until the user asks for one; the first Tab goes to the first.
+    if (const auto* const content = layout()->itemAt(0)) {
+        content->widget()->setFocus();
     }
     layout()->activate();
     place();
@@ -90,8 +91,7 @@ void PanelWindow::hideEvent(QHideEvent* event) {
     grabTimer_.stop();
     pressedOutside_ = false;
     if (presentation_ == Presentation::AnchoredPopup) {
-        windowHandle()->setKeyboardGrabEnabled(false);
-        windowHandle()->setMouseGrabEnabled(false);
+        releaseInput(*windowHandle());
     }
     QWidget::hideEvent(event);
 }
@@ -142,7 +142,7 @@ void PanelWindow::timerEvent(QTimerEvent* event) {
         QWidget::timerEvent(event);
         return;
     }
-    if (grabInput()) {
+    if (grabInput(*windowHandle())) {
         grabTimer_.stop();
     }
 }
@@ -155,10 +155,6 @@ void PanelWindow::place() {
     const auto* const screen = found ? found : QGuiApplication::primaryScreen();
     move(panelTopLeft(anchor_, sizeHint(),
                       {screen->geometry(), screen->availableGeometry(), screen->devicePixelRatio()}));
-}
-
-bool PanelWindow::grabInput() {
-    return windowHandle()->setMouseGrabEnabled(true) && windowHandle()->setKeyboardGrabEnabled(true);
 }
 
 } // namespace quorvale::platform::desktop

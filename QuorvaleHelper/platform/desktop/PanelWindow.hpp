@@ -47,7 +47,6 @@ protected:
 
 private:
     void place();
-    bool grabInput();
 
     const Presentation presentation_;
     QPoint anchor_;

@@ -29,8 +29,8 @@ void call(QDBusConnection& bus, const QDBusMessage& message, QObject* context, F
 
 } // namespace
 
-StatusNotifierHostWatch::StatusNotifierHostWatch(const QDBusConnection& bus, QObject* parent)
-    : QObject(parent), bus_(bus) {
+StatusNotifierHostWatch::StatusNotifierHostWatch(QDBusConnection bus, QObject* parent)
+    : QObject(parent), bus_(std::move(bus)) {
     auto* const owners = new QDBusServiceWatcher(watcherName, bus_, QDBusServiceWatcher::WatchForOwnerChange, this);
     connect(owners, &QDBusServiceWatcher::serviceOwnerChanged, this,
             [this](const QString&, const QString&, const QString& owner) { setOwner(owner); });

@@ -24,7 +24,7 @@ public:
     };
 
     /// The item is already exported on `bus`.
-    explicit StatusNotifierHostWatch(const QDBusConnection& bus, QObject* parent = nullptr);
+    explicit StatusNotifierHostWatch(QDBusConnection bus, QObject* parent = nullptr);
 
     [[nodiscard]] Host host() const { return host_; }
 

@@ -35,9 +35,9 @@ QDBusArgument& operator<<(QDBusArgument& argument, const NotifierPixmap& pixmap)
 
 const QDBusArgument& operator>>(const QDBusArgument& argument, NotifierPixmap& pixmap) {
     argument.beginStructure();
-    argument >> pixmap.width >> pixmap.height >> pixmap.pixels;
-    argument.endStructure();
-    return argument;
+    const auto& rest = argument >> pixmap.width >> pixmap.height >> pixmap.pixels;
+    rest.endStructure();
+    return rest;
 }
 
 QDBusArgument& operator<<(QDBusArgument& argument, const NotifierToolTip& toolTip) {
@@ -49,9 +49,9 @@ QDBusArgument& operator<<(QDBusArgument& argument, const NotifierToolTip& toolTi
 
 const QDBusArgument& operator>>(const QDBusArgument& argument, NotifierToolTip& toolTip) {
     argument.beginStructure();
-    argument >> toolTip.iconName >> toolTip.icon >> toolTip.title >> toolTip.text;
-    argument.endStructure();
-    return argument;
+    const auto& rest = argument >> toolTip.iconName >> toolTip.icon >> toolTip.title >> toolTip.text;
+    rest.endStructure();
+    return rest;
 }
 
 namespace {
@@ -61,7 +61,7 @@ const auto itemPath = QStringLiteral("/StatusNotifierItem");
 NotifierPixmap notifierPixmap(const QImage& image) {
     const auto argb = image.convertToFormat(QImage::Format_ARGB32);
     NotifierPixmap pixmap{argb.width(), argb.height(), QByteArray(argb.sizeInBytes(), Qt::Uninitialized)};
-    qToBigEndian<quint32>(argb.constBits(), argb.width() * argb.height(), pixmap.pixels.data());
+    qToBigEndian<quint32>(argb.constBits(), qsizetype{argb.width()} * argb.height(), pixmap.pixels.data());
     return pixmap;
 }
 
@@ -134,8 +134,8 @@ private:
 
 } // namespace
 
-StatusNotifierItem::StatusNotifierItem(const QDBusConnection& bus, Description description, QObject* parent)
-    : QObject(parent), bus_(bus), description_(std::move(description)), toolTip_(description_.title) {
+StatusNotifierItem::StatusNotifierItem(QDBusConnection bus, Description description, QObject* parent)
+    : QObject(parent), bus_(std::move(bus)), description_(std::move(description)), toolTip_(description_.title) {
     qDBusRegisterMetaType<NotifierPixmap>();
     qDBusRegisterMetaType<NotifierPixmaps>();
     qDBusRegisterMetaType<NotifierToolTip>();

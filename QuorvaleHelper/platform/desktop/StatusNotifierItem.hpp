@@ -24,7 +24,7 @@ public:
     };
 
     /// Exports the item on `bus`, which shows no other.
-    StatusNotifierItem(const QDBusConnection& bus, Description description, QObject* parent = nullptr);
+    StatusNotifierItem(QDBusConnection bus, Description description, QObject* parent = nullptr);
     ~StatusNotifierItem() override;
     StatusNotifierItem(const StatusNotifierItem&) = delete;
     StatusNotifierItem& operator=(const StatusNotifierItem&) = delete;

@@ -22,8 +22,7 @@ constexpr std::size_t largestChunk = std::size_t{256} << 10;
 
 } // namespace
 
-EntryStore::Chunk::Chunk(std::size_t size)
-    : bytes(std::make_unique_for_overwrite<std::byte[]>(size)), capacity(size) {}
+EntryStore::Chunk::Chunk(std::size_t size) : bytes(std::make_unique_for_overwrite<std::byte[]>(size)), capacity(size) {}
 
 EntryStore::EntryStore(std::size_t budget) : budget_(budget), chunkSize_(std::min(budget / 16, largestChunk)) {}
 
@@ -64,20 +63,22 @@ void EntryStore::walk(const std::function<void(const Entry&)>& visit) const {
         std::shared_ptr<const Chunk> chunk;
         std::size_t used;
     };
+
     std::vector<Seen> seen;
     {
         const std::scoped_lock lock(mutex_);
         seen.reserve(chunks_.size());
-        std::ranges::transform(chunks_, std::back_inserter(seen), [](const auto& chunk) {
-            return Seen{chunk, chunk->used};
-        });
+        std::ranges::transform(chunks_, std::back_inserter(seen),
+                               [](const auto& chunk) { return Seen{chunk, chunk->used}; });
     }
     for (auto& [chunk, used] : seen) {
         for (std::size_t at = 0; at < used;) {
             Header header;
             std::memcpy(&header, chunk->bytes.get() + at, sizeof header);
             at += sizeof header;
-            visit({header.date, header.level, *header.identity,
+            visit({header.date,
+                   header.level,
+                   *header.identity,
                    {reinterpret_cast<const char*>(chunk->bytes.get() + at), header.length}});
             at += header.length;
         }

@@ -24,9 +24,10 @@ consteval std::size_t argumentIndex() {
     } else if constexpr (std::convertible_to<const Type&, std::string_view>) {
         return 1;
     } else {
-        static_assert(requires(const Type& object) {
-            { object.description() } -> std::convertible_to<std::string>;
-        }, "a log argument is a Boolean, a text or an object with a description");
+        static_assert(
+            requires(const Type& object) {
+                { object.description() } -> std::convertible_to<std::string>;
+            }, "a log argument is a Boolean, a text or an object with a description");
         return 2;
     }
 }
@@ -90,7 +91,7 @@ public:
         }
     }
 
-    constexpr std::string_view text() const { return text_; }
+    [[nodiscard]] constexpr std::string_view text() const { return text_; }
 
 private:
     std::string_view text_;

@@ -33,6 +33,7 @@ public:
     }
 
 private Q_SLOTS:
+
     void receive(const QDBusMessage& signal) { handler_(decode(signal)); }
 
 private:

@@ -18,9 +18,9 @@ struct Notification {
     std::variant<std::monostate, std::string, ForeignObject> object;
 };
 
-/// Delivers the notifications that other processes of the session broadcast by name. On the session bus each is a signal of
-/// the interface `com.quorvale.DistributedNotification` whose member is the notification's name, from any object path,
-/// with its object as the only argument, or none.
+/// Delivers the notifications that other processes of the session broadcast by name. On the session bus each is a
+/// signal of the interface `com.quorvale.DistributedNotification` whose member is the notification's name, from any
+/// object path, with its object as the only argument, or none.
 class DistributedNotificationCenter {
 public:
     using Handler = std::function<void(const Notification&)>;

@@ -17,6 +17,7 @@ public:
 private:
     friend class ObservableObject;
     using Observer = std::function<void()>;
+
     explicit Subscription(std::shared_ptr<Observer> observer) : observer_(std::move(observer)) {}
 
     std::shared_ptr<Observer> observer_;
@@ -55,7 +56,7 @@ public:
     /// `owner` is the object whose member this is.
     Published(ObservableObject& owner, Value value) : owner_(owner), value_(std::move(value)) {}
 
-    const Value& get() const { return value_; }
+    [[nodiscard]] const Value& get() const { return value_; }
 
     void set(Value value) {
         owner_.notify();

@@ -10,7 +10,7 @@ namespace quorvale::ui::logs {
 /// The helper's own recent log as display lines, oldest first. Main thread.
 class LogStore final : public platform::observable::ObservableObject {
 public:
-    const std::vector<std::string>& entries() const { return entries_.get(); }
+    [[nodiscard]] const std::vector<std::string>& entries() const { return entries_.get(); }
 
 private:
     platform::observable::Published<std::vector<std::string>> entries_{*this, {}};

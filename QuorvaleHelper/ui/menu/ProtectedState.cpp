@@ -43,13 +43,18 @@ ProtectedState::ProtectedState(bool isProtected, double iconSize, QWidget* paren
     : QLabel(parent), iconSize_(iconSize), look_(ProtectedLook::of(isProtected)), symbol_(look_.symbol) {
     setTextFormat(Qt::PlainText);
     setText(look_.text);
+    setAccessibleName(look_.text);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 }
 
 void ProtectedState::setProtected(bool isProtected) {
     look_ = ProtectedLook::of(isProtected);
     symbol_ = platform::desktop::SymbolImage(look_.symbol);
-    setText(look_.text);
+    if (look_.text != text()) {
+        setText(look_.text);
+        // A label doesn't tell of its text in every version of Qt; any widget does of its name.
+        setAccessibleName(look_.text);
+    }
     update();
 }
 

@@ -2,11 +2,9 @@
 
 #include <QColor>
 
-namespace quorvale::ui::menu {
-
 /// The named colours of the menu window, the same on light and dark desktops. White text on any of them is easy to
 /// read: its contrast is at least 4.5 to 1.
-namespace SystemColors {
+namespace quorvale::ui::menu::SystemColors {
 
 inline constexpr QColor green{0x1D, 0x87, 0x3B};
 inline constexpr QColor red{0xD7, 0x2C, 0x26};
@@ -19,6 +17,4 @@ QColor focusRing(const QColor& background);
 /// From 1 (the same) to 21 (black and white). https://www.w3.org/TR/WCAG21/#dfn-contrast-ratio
 double contrast(const QColor& one, const QColor& other);
 
-} // namespace SystemColors
-
-} // namespace quorvale::ui::menu
+} // namespace quorvale::ui::menu::SystemColors

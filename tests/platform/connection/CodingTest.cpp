@@ -1,5 +1,4 @@
 #include "platform/connection/Connection.hpp"
-
 #include "support/PrivateBus.hpp"
 
 #include <QDBusConnection>
@@ -31,7 +30,7 @@ struct Sink {
 /// A service that hands the dictionary it gets back to its caller, as it came over the bus.
 class Echo final : public QDBusVirtualObject {
 public:
-    QString introspect(const QString& /*path*/) const override { return {}; }
+    [[nodiscard]] QString introspect(const QString& /*path*/) const override { return {}; }
 
     bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
         auto back = QDBusMessage::createMethodCall(message.service(), QStringLiteral("/client"),
@@ -58,7 +57,8 @@ TEST(CodingTest, CarriesEveryPropertyListValueThereAndBack) {
     ASSERT_TRUE(connection);
     connection->setRemoteObjectInterface({"org.example.Service", {describe(storeIt)}});
     connection->setExportedInterface(
-        ExportedInterface<Sink>("org.example.Client").method(OneWay<Dictionary>{"take", {"values"}}, &Sink::take), sink);
+        ExportedInterface<Sink>("org.example.Client").method(OneWay<Dictionary>{"take", {"values"}}, &Sink::take),
+        sink);
     connection->resume();
 
     const Dictionary values{

@@ -52,6 +52,7 @@ TEST(EntryStoreTest, WalksWhatWasThereWhileOthersWrite) {
     std::vector<std::string> walked;
     store.walk([&](const Entry& entry) {
         std::vector<std::jthread> writers;
+        writers.reserve(4);
         for (int writer = 0; writer < 4; ++writer) {
             writers.emplace_back([&] {
                 for (int number = 0; number < 20'000; ++number) {

@@ -25,14 +25,14 @@ struct Line {
 std::vector<Line> linesOf(const EntryStore& store) {
     std::vector<Line> lines;
     store.walk([&](const Entry& entry) {
-        lines.push_back({entry.level, entry.identity.subsystem, entry.identity.category,
-                         std::string(entry.composedMessage)});
+        lines.push_back(
+            {entry.level, entry.identity.subsystem, entry.identity.category, std::string(entry.composedMessage)});
     });
     return lines;
 }
 
 struct Failure {
-    std::string description() const { return "must not be seen"; }
+    [[nodiscard]] std::string description() const { return "must not be seen"; }
 };
 
 } // namespace

@@ -22,8 +22,8 @@ std::string shown(const Notification& notification) {
 
 /// Broadcasts as a person at a terminal does.
 void emitSignal(const std::string& path, const std::string& name, const std::vector<std::string>& objects) {
-    std::vector<std::string> arguments{"emit", "--session", "--object-path", path, "--signal",
-                                       "com.quorvale.DistributedNotification." + name};
+    std::vector<std::string> arguments{"emit", "--session", "--object-path",
+                                       path,   "--signal",  "com.quorvale.DistributedNotification." + name};
     arguments.insert(arguments.end(), objects.begin(), objects.end());
     tests::Process gdbus({.program = "gdbus", .arguments = arguments});
     EXPECT_EQ(gdbus.waitForExit(), (tests::Process::Exit{}));
@@ -46,8 +46,8 @@ TEST(DistributedNotificationCenterTest, DeliversByNameAloneWhoeverSends) {
     emitSignal("/", "QuorvaleHelper", {"'last'"});
 
     EXPECT_TRUE(tests::waitUntil([&] { return !received.empty() && received.back() == "text last"; }));
-    EXPECT_THAT(received, testing::ElementsAre("text {\"running\":true} ⚠️", "none", "foreign u", "foreign ss",
-                                               "text last"));
+    EXPECT_THAT(received,
+                testing::ElementsAre("text {\"running\":true} ⚠️", "none", "foreign u", "foreign ss", "text last"));
 }
 
 } // namespace quorvale::platform::notification

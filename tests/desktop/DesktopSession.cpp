@@ -1,0 +1,109 @@
+#include "desktop/DesktopSession.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <sstream>
+
+namespace quorvale::tests {
+
+namespace {
+
+constexpr auto script = QUORVALE_SCRIPTS "/desktop_session";
+
+std::vector<std::string> holdingOn(std::vector<std::string> options) {
+    // The session lasts until the standard input of its one command ends.
+    options.insert(options.end(), {"--", "sh", "-c", "env; echo ready; cat"});
+    return options;
+}
+
+/// The bounds of all pixels of `color`, if they fill most of them.
+QRect areaOf(const QImage& image, const QColor& color) {
+    QRect bounds;
+    int count = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            if (image.pixel(x, y) == color.rgb()) {
+                bounds |= QRect(x, y, 1, 1);
+                ++count;
+            }
+        }
+    }
+    return count > bounds.width() * bounds.height() / 2 ? bounds : QRect();
+}
+
+} // namespace
+
+DesktopSession::DesktopSession(std::vector<std::string> options)
+    : session_({.program = script, .arguments = holdingOn(std::move(options))}) {
+    EXPECT_TRUE(session_.waitForLine([](std::string_view line) { return line == "ready"; }, std::chrono::seconds(60)))
+        << "the session doesn't come about";
+    for (const auto& line : session_.lines()) {
+        if (const auto equals = line.find('='); equals != std::string::npos) {
+            environment_[line.substr(0, equals)] = line.substr(equals + 1);
+        }
+    }
+    for (const auto* inherited : {"QT_QPA_PLATFORM", "WAYLAND_DISPLAY"}) {
+        environment_[inherited] = std::nullopt;
+    }
+}
+
+DesktopSession::~DesktopSession() {
+    // A session that is killed leaves its folder behind.
+    session_.closeInput();
+    EXPECT_EQ(session_.waitForExit(), Process::Exit{});
+}
+
+std::string DesktopSession::run(std::vector<std::string> command) const {
+    const auto program = command.front();
+    command.erase(command.begin());
+    Process process({.program = program, .arguments = std::move(command), .environment = environment_});
+    EXPECT_EQ(process.waitForExit(std::chrono::seconds(60)), Process::Exit{}) << program;
+    std::string output;
+    for (const auto& line : process.lines()) {
+        output += line + '\n';
+    }
+    return output;
+}
+
+std::string DesktopSession::control(const std::string& command) const {
+    return run({script, command});
+}
+
+QPoint DesktopSession::icon() const {
+    std::istringstream place(control("icon"));
+    int x = 0;
+    int y = 0;
+    place >> x >> y;
+    return {x, y};
+}
+
+void DesktopSession::click(QPoint place) const {
+    run({"xdotool", "mousemove", std::to_string(place.x()), std::to_string(place.y()), "click", "1"});
+}
+
+void DesktopSession::press(const std::string& key) const {
+    run({"xdotool", "key", key});
+}
+
+QImage DesktopSession::screenshot() const {
+    const auto file = directory_.filePath(QStringLiteral("screen.png")).toStdString();
+    run({script, "screenshot", file});
+    return QImage(QString::fromStdString(file)).convertToFormat(QImage::Format_RGB32);
+}
+
+QRect DesktopSession::waitForArea(const QColor& color) const {
+    QRect area;
+    const auto found = waitUntil([&] {
+        area = areaOf(screenshot(), color);
+        return !area.isEmpty();
+    });
+    EXPECT_TRUE(found) << "nothing has the colour " << color.name().toStdString();
+    return area;
+}
+
+bool DesktopSession::waitForNothingOf(const QColor& color) const {
+    return waitUntil([&] { return areaOf(screenshot(), color).isEmpty(); });
+}
+
+} // namespace quorvale::tests

@@ -1,0 +1,203 @@
+#include "desktop/DesktopSession.hpp"
+#include "support/AgentProcess.hpp"
+#include "ui/menu/SystemColors.hpp"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+namespace quorvale {
+
+namespace {
+
+namespace SystemColors = ui::menu::SystemColors;
+using tests::DesktopSession;
+using tests::HelperProcess;
+using tests::Process;
+using tests::waitUntil;
+
+constexpr auto launched = "info Quorvale Helper launched";
+constexpr auto protectedNow = R"({"running":true,"restart":false,"terminate":false})";
+
+/// Where the indicator's box is in the window of a desktop of scale 1, and how far it reaches.
+constexpr int boxWidth = 190;
+constexpr int boxHeight = 28;
+
+/// Where the screen shows the icon's shield along its upper edge: the bounds of the blue pixels, or nothing.
+QRect shieldIn(const QImage& screen) {
+    QRect bounds;
+    for (int y = 0; y < 32; ++y) {
+        for (int x = 0; x < screen.width(); ++x) {
+            const QColor color(screen.pixel(x, y));
+            if (color.blue() > color.red() + 80) {
+                bounds |= QRect(x, y, 1, 1);
+            }
+        }
+    }
+    return bounds.width() >= 12 && bounds.height() >= 12 ? bounds : QRect();
+}
+
+bool showsIcon(const DesktopSession& session) {
+    const auto place = session.icon();
+    return waitUntil([&] { return shieldIn(session.screenshot()).contains(place); });
+}
+
+/// The buttons under the box of the indicator: "Settings..." and, below a divider, "Quit".
+QPoint settingsButton(const QRect& box) {
+    return {box.center().x(), box.bottom() + 24};
+}
+
+QPoint quitButton(const QRect& box) {
+    return {box.center().x(), box.bottom() + 57};
+}
+
+QPoint bareDesktop() {
+    return {200, 500};
+}
+
+} // namespace
+
+TEST(PanelTest, ShowsTheIconWheneverAPanelStarts) {
+    const DesktopSession session({"--no-panel"});
+    HelperProcess helper(session.environment());
+    ASSERT_TRUE(helper.logs(launched));
+    session.control("start-panel");
+    EXPECT_TRUE(showsIcon(session)) << "helper first";
+    session.control("stop-panel");
+    session.control("start-panel");
+    EXPECT_TRUE(showsIcon(session)) << "panel restarted";
+
+    helper.process().kill();
+    HelperProcess second(session.environment());
+    ASSERT_TRUE(second.logs(launched));
+    EXPECT_TRUE(showsIcon(session)) << "panel first";
+}
+
+TEST(PanelTest, ShowsEachStatusInTheOpenWindow) {
+    const DesktopSession session;
+    const HelperProcess::Environment& environment = session.environment();
+    Process agent({.program = QUORVALE_AGENT_SIMULATOR,
+                   .arguments = {"--state", R"({"active":true})"},
+                   .environment = environment});
+    ASSERT_TRUE(agent.waitForLine("ready"));
+    HelperProcess const helper(environment);
+    const auto icon = session.icon();
+    session.click(icon);
+    const auto red = session.waitForArea(SystemColors::red);
+    EXPECT_EQ(red.size(), QSize(boxWidth, boxHeight));
+    EXPECT_LT(red.top(), 64) << "the window is at the icon";
+    EXPECT_GT(red.right(), 1240);
+
+    helper.notify(R"({"running":false,"restart":true,"terminate":false})");
+    EXPECT_EQ(session.waitForArea(SystemColors::green), red) << "the same window, still open";
+    agent.send("updateProtectionStatus false");
+    EXPECT_EQ(session.waitForArea(SystemColors::red), red);
+
+    const auto item =
+        session.run({"gdbus", "call", "--session", "--dest", "org.kde.StatusNotifierWatcher", "--object-path",
+                     "/StatusNotifierWatcher", "--method", "org.freedesktop.DBus.Properties.Get",
+                     "org.kde.StatusNotifierWatcher", "RegisteredStatusNotifierItems"});
+    const auto from = item.find('\'') + 1;
+    const auto service = item.substr(from, item.find('/') - from);
+    const auto toolTip = [&] {
+        return session.run({"gdbus", "call", "--session", "--dest", service, "--object-path", "/StatusNotifierItem",
+                            "--method", "org.freedesktop.DBus.Properties.Get", "org.kde.StatusNotifierItem",
+                            "ToolTip"});
+    };
+    EXPECT_THAT(toolTip(), testing::HasSubstr("Quorvale Helper: Unprotected"));
+    helper.notify(protectedNow);
+    session.waitForArea(SystemColors::green);
+    EXPECT_THAT(toolTip(), testing::HasSubstr("Quorvale Helper: Protected"));
+}
+
+TEST(PanelTest, DismissesTheWindowAsMenusAreDismissed) {
+    const DesktopSession session;
+    HelperProcess const helper(session.environment());
+    const auto icon = session.icon();
+
+    struct Case {
+        const char* name;
+        std::function<void()> dismiss;
+    };
+
+    const std::vector<Case> cases{
+        {"a click on the icon", [&] { session.click(icon); }},
+        {"a click elsewhere", [&] { session.click(bareDesktop()); }},
+        {"Escape", [&] { session.press("Escape"); }},
+    };
+    for (const auto& [name, dismiss] : cases) {
+        session.click(icon);
+        ASSERT_FALSE(session.waitForArea(SystemColors::red).isEmpty()) << name;
+        dismiss();
+        EXPECT_TRUE(session.waitForNothingOf(SystemColors::red)) << name;
+        // An answer of the helper proves that nothing is still on its way to it.
+        session.run(
+            {"gdbus", "introspect", "--session", "--dest", "com.quorvale.QuorvaleHelper", "--object-path", "/"});
+        EXPECT_TRUE(session.waitForNothingOf(SystemColors::red)) << name << " does not open it again";
+    }
+}
+
+TEST(PanelTest, HighlightsTheOneButtonUnderThePointer) {
+    const DesktopSession session;
+    HelperProcess const helper(session.environment());
+    session.click(session.icon());
+    const auto box = session.waitForArea(SystemColors::red);
+    const auto hover = [&](QPoint place) {
+        session.run({"xdotool", "mousemove", std::to_string(place.x()), std::to_string(place.y())});
+    };
+    hover(settingsButton(box));
+    const auto settings = session.waitForArea(SystemColors::blue);
+    EXPECT_TRUE(settings.contains(settingsButton(box)));
+    EXPECT_EQ(settings.width(), boxWidth);
+    hover(quitButton(box));
+    EXPECT_TRUE(waitUntil([&] { return session.waitForArea(SystemColors::blue).contains(quitButton(box)); }));
+    EXPECT_EQ(session.waitForArea(SystemColors::blue).size(), settings.size()) << "only one is highlighted";
+    hover(box.center());
+    EXPECT_TRUE(session.waitForNothingOf(SystemColors::blue));
+}
+
+TEST(PanelTest, OpensTheMainApplicationFromTheKeyboardAndQuits) {
+    const DesktopSession session;
+    auto environment = session.environment();
+    const auto record = std::filesystem::path(environment.at("QUORVALE_SESSION").value_or("")) / "opened";
+    environment["QUORVALE_OPENED"] = record.string();
+    HelperProcess helper(environment);
+    const auto icon = session.icon();
+    session.click(icon);
+    session.waitForArea(SystemColors::red);
+    session.press("Tab");
+    session.press("space");
+    EXPECT_TRUE(session.waitForNothingOf(SystemColors::red));
+    EXPECT_TRUE(waitUntil([&] { return std::filesystem::exists(record); })) << "the main application was not started";
+
+    session.click(icon);
+    session.waitForArea(SystemColors::red);
+    session.press("ctrl+q");
+    EXPECT_EQ(helper.process().waitForExit(), (Process::Exit{.code = EXIT_SUCCESS}));
+    EXPECT_EQ(helper.log().back(), "info Quorvale Helper terminated");
+    EXPECT_EQ(helper.log().size(), 4U);
+}
+
+TEST(PanelTest, DrawsTwiceAsManyPixelsAtScaleTwo) {
+    const DesktopSession session({"--scale", "2", "--theme", "dark"});
+    HelperProcess const helper(session.environment());
+    session.click(session.icon());
+    EXPECT_EQ(session.waitForArea(SystemColors::red).size(), QSize(2 * boxWidth, 2 * boxHeight));
+}
+
+TEST(PanelTest, FallsBackToTheTrayOfX11) {
+    const DesktopSession session({"--no-panel"});
+    const Process tray({.program = "trayer",
+                        .arguments = {"--edge", "top", "--align", "right", "--widthtype", "request", "--height", "32"},
+                        .environment = session.environment()});
+    HelperProcess const helper(session.environment());
+    QRect icon;
+    ASSERT_TRUE(waitUntil([&] { return !(icon = shieldIn(session.screenshot())).isEmpty(); }));
+    session.click(icon.center());
+    EXPECT_EQ(session.waitForArea(SystemColors::red).size(), QSize(boxWidth, boxHeight));
+}
+
+} // namespace quorvale

@@ -1,0 +1,97 @@
+#include "platform/desktop/StatusNotifierHostWatch.hpp"
+
+#include "FakeWatcher.hpp"
+#include "SessionBus.hpp"
+
+#include <memory>
+
+namespace quorvale::platform::desktop {
+
+using Host = StatusNotifierHostWatch::Host;
+
+class StatusNotifierHostWatchTest : public testing::Test {
+protected:
+    void start() {
+        watch = std::make_unique<StatusNotifierHostWatch>(session.program);
+        QObject::connect(watch.get(), &StatusNotifierHostWatch::failed, [this](const QString&) { ++failures; });
+    }
+
+    void expectHost(Host host) {
+        EXPECT_TRUE(tests::waitUntil([&] { return watch->host() == host; }));
+    }
+
+    SessionBus session;
+    std::unique_ptr<StatusNotifierHostWatch> watch;
+    int failures = 0;
+};
+
+TEST_F(StatusNotifierHostWatchTest, RegistersWithTheWatcherThatIsThere) {
+    const FakeWatcher watcher(session.other);
+    start();
+    expectHost(Host::Present);
+    EXPECT_EQ(watcher.items, QStringList(session.program.baseService()));
+    EXPECT_EQ(failures, 0);
+}
+
+TEST_F(StatusNotifierHostWatchTest, RegistersOnceWithEachWatcherThatComes) {
+    start();
+    expectHost(Host::Absent);
+    for (int run = 0; run < 3; ++run) {
+        auto watcher = std::make_unique<FakeWatcher>(session.other);
+        expectHost(Host::Present);
+        EXPECT_EQ(watcher->items, QStringList(session.program.baseService()));
+        watcher.reset();
+        expectHost(Host::Absent);
+    }
+    EXPECT_EQ(failures, 0);
+}
+
+TEST_F(StatusNotifierHostWatchTest, FollowsHostsThatComeAndGoWhileTheWatcherStays) {
+    FakeWatcher watcher(session.other, false);
+    start();
+    expectHost(Host::Absent);
+    for (const auto present : {true, false, true}) {
+        watcher.setHost(present);
+        expectHost(present ? Host::Present : Host::Absent);
+    }
+    EXPECT_EQ(watcher.items.size(), 1);
+}
+
+TEST_F(StatusNotifierHostWatchTest, TakesOnlyABooleanForAnAnswer) {
+    for (const auto& answer : {QVariant(QStringLiteral("true")), QVariant(1), QVariant()}) {
+        const FakeWatcher watcher(session.other, answer);
+        failures = 0;
+        start();
+        EXPECT_TRUE(tests::waitUntil([&] { return failures > 0; }));
+        EXPECT_EQ(watch->host(), Host::Unknown);
+    }
+}
+
+TEST_F(StatusNotifierHostWatchTest, LogsAWatcherThatTakesNoItems) {
+    session.other.registerService(QStringLiteral("org.kde.StatusNotifierWatcher"));
+    start();
+    EXPECT_TRUE(tests::waitUntil([&] { return failures == 2; }));
+    EXPECT_EQ(watch->host(), Host::Unknown);
+}
+
+TEST_F(StatusNotifierHostWatchTest, ListensToTheWatcherOnly) {
+    FakeWatcher watcher(session.other, false);
+    start();
+    expectHost(Host::Absent);
+    int asked = 0;
+    QObject::connect(watch.get(), &StatusNotifierHostWatch::hostChanged, [&] { ++asked; });
+    // What the watcher would answer now is heard only by who asks it.
+    {
+        const QSignalBlocker silent(watcher);
+        watcher.setHost(true);
+    }
+    session.program.send(QDBusMessage::createSignal(QStringLiteral("/StatusNotifierWatcher"),
+                                                    QStringLiteral("org.kde.StatusNotifierWatcher"),
+                                                    QStringLiteral("StatusNotifierHostRegistered")));
+    SessionBus::roundTrip(session.program);
+    SessionBus::roundTrip(session.other);
+    SessionBus::roundTrip(session.program);
+    EXPECT_EQ(asked, 0);
+}
+
+} // namespace quorvale::platform::desktop

@@ -1,0 +1,153 @@
+#include "platform/desktop/StatusNotifierItem.hpp"
+
+#include "SessionBus.hpp"
+
+#include <QDBusArgument>
+#include <QDBusVariant>
+
+#include <vector>
+
+namespace quorvale::platform::desktop {
+
+namespace {
+
+const auto path = QStringLiteral("/StatusNotifierItem");
+const auto interface = QStringLiteral("org.kde.StatusNotifierItem");
+
+struct Pixmap {
+    int width = 0;
+    int height = 0;
+    QByteArray pixels;
+};
+
+std::vector<Pixmap> pixmapsIn(const QVariant& value) {
+    std::vector<Pixmap> pixmaps;
+    const auto argument = value.value<QDBusArgument>();
+    argument.beginArray();
+    while (!argument.atEnd()) {
+        Pixmap pixmap;
+        argument.beginStructure();
+        argument >> pixmap.width >> pixmap.height >> pixmap.pixels;
+        argument.endStructure();
+        pixmaps.push_back(pixmap);
+    }
+    argument.endArray();
+    return pixmaps;
+}
+
+MenuBarIcon icon() {
+    QImage image(2, 1, QImage::Format_ARGB32_Premultiplied);
+    image.setPixelColor(0, 0, QColor(0x10, 0x20, 0x30));
+    image.setPixelColor(1, 0, Qt::transparent);
+    return {QSizeF(36, 18), {image, image.scaled(4, 2)}};
+}
+
+/// What a panel hears of the item.
+class SignalCounter final : public QObject {
+    Q_OBJECT
+
+public:
+    explicit SignalCounter(QDBusConnection bus) {
+        bus.connect({}, path, interface, QStringLiteral("NewToolTip"), this, SLOT(countToolTip()));
+        bus.connect({}, path, interface, QStringLiteral("NewIcon"), this, SLOT(countIcon()));
+        SessionBus::roundTrip(bus);
+    }
+
+    int newToolTips = 0;
+    int newIcons = 0;
+
+private Q_SLOTS:
+
+    void countToolTip() { ++newToolTips; }
+
+    void countIcon() { ++newIcons; }
+};
+
+} // namespace
+
+class StatusNotifierItemTest : public testing::Test {
+protected:
+    [[nodiscard]] QDBusMessage call(const char* member, const QVariantList& arguments) const {
+        auto message =
+            QDBusMessage::createMethodCall(session.program.baseService(), path, interface, QString::fromLatin1(member));
+        message.setArguments(arguments);
+        return session.ask(message);
+    }
+
+    [[nodiscard]] QVariant property(const char* name) const {
+        auto message =
+            QDBusMessage::createMethodCall(session.program.baseService(), path,
+                                           QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
+        message << interface << QString::fromLatin1(name);
+        const auto reply = session.ask(message);
+        EXPECT_EQ(reply.type(), QDBusMessage::ReplyMessage) << name << qPrintable(reply.errorMessage());
+        return reply.arguments().isEmpty() ? QVariant()
+                                           : reply.arguments().constFirst().value<QDBusVariant>().variant();
+    }
+
+    SessionBus session;
+    StatusNotifierItem item{session.program,
+                            {QStringLiteral("com.quorvale.QuorvaleHelper"), QStringLiteral("Quorvale Helper"), icon()}};
+};
+
+TEST_F(StatusNotifierItemTest, TellsPanelsWhatItIs) {
+    item.setToolTip(QStringLiteral("Quorvale Helper: Protected"));
+    EXPECT_EQ(property("Id"), QStringLiteral("com.quorvale.QuorvaleHelper"));
+    EXPECT_EQ(property("Title"), QStringLiteral("Quorvale Helper"));
+    EXPECT_EQ(property("Category"), QStringLiteral("SystemServices"));
+    EXPECT_EQ(property("Status"), QStringLiteral("Active"));
+    EXPECT_EQ(property("IconAccessibleDesc"), QStringLiteral("Quorvale Helper: Protected"));
+    EXPECT_EQ(property("ItemIsMenu"), false);
+
+    const auto toolTip = property("ToolTip").value<QDBusArgument>();
+    ASSERT_EQ(toolTip.currentSignature(), QStringLiteral("(sa(iiay)ss)"));
+    QString iconName;
+    QString title;
+    QString text;
+    toolTip.beginStructure();
+    toolTip >> iconName;
+    toolTip.beginArray();
+    toolTip.endArray();
+    toolTip >> title >> text;
+    toolTip.endStructure();
+    EXPECT_EQ(title, QStringLiteral("Quorvale Helper: Protected"));
+    EXPECT_EQ(text, QString());
+}
+
+TEST_F(StatusNotifierItemTest, OffersItsPicturesInNetworkByteOrder) {
+    const auto pixmaps = pixmapsIn(property("IconPixmap"));
+    ASSERT_EQ(pixmaps.size(), 2U);
+    EXPECT_EQ(pixmaps[0].width, 2);
+    EXPECT_EQ(pixmaps[0].height, 1);
+    EXPECT_EQ(pixmaps[0].pixels.toHex(' '), QByteArray("ff 10 20 30 00 00 00 00"));
+    EXPECT_EQ(pixmaps[1].pixels.size(), 4 * 4 * 2);
+}
+
+TEST_F(StatusNotifierItemTest, IsActivatedByEitherButtonWithTheTokenGivenForIt) {
+    std::vector<std::pair<QPoint, QString>> activations;
+    QObject::connect(&item, &StatusNotifierItem::activated,
+                     [&](QPoint at, const QString& token) { activations.emplace_back(at, token); });
+    EXPECT_EQ(call("ProvideXdgActivationToken", {QStringLiteral("token")}).type(), QDBusMessage::ReplyMessage);
+    EXPECT_EQ(call("Activate", {1200, 12}).type(), QDBusMessage::ReplyMessage);
+    EXPECT_EQ(call("SecondaryActivate", {-5, 0}).type(), QDBusMessage::ReplyMessage);
+    EXPECT_EQ(call("ContextMenu", {1, 1}).type(), QDBusMessage::ReplyMessage);
+    EXPECT_EQ(call("Scroll", {120, QStringLiteral("vertical")}).type(), QDBusMessage::ReplyMessage);
+    for (const auto& arguments : {QVariantList{}, {QStringLiteral("x"), 1}, {1, 2, 3}}) {
+        EXPECT_EQ(call("Activate", arguments).type(), QDBusMessage::ErrorMessage);
+    }
+    const std::vector<std::pair<QPoint, QString>> expected{{{1200, 12}, QStringLiteral("token")}, {{-5, 0}, QString()}};
+    EXPECT_EQ(activations, expected);
+}
+
+TEST_F(StatusNotifierItemTest, TellsPanelsOfANewToolTipOnlyWhenItIsNew) {
+    SignalCounter panel(session.other);
+    for (const auto* text : {"Protected", "Protected", "Unprotected"}) {
+        item.setToolTip(QString::fromLatin1(text));
+    }
+    EXPECT_TRUE(tests::waitUntil([&] { return panel.newIcons == 2; }));
+    EXPECT_EQ(panel.newToolTips, 2);
+}
+
+} // namespace quorvale::platform::desktop
+
+#include "StatusNotifierItemTest.moc"
