@@ -23,6 +23,10 @@ bool isASCII(std::int32_t value) {
 /// Standard, table 3-7). utf8proc's own reader doesn't tell where such a subpart ends.
 Scalar scalarAt(std::string_view text, std::size_t offset) {
     const auto byte = [&](std::size_t index) { return std::int32_t{static_cast<std::uint8_t>(text[offset + index])}; };
+    const auto continues = [&](std::size_t index) {
+        return offset + index < text.size() && (byte(index) & 0xC0) == 0x80;
+    };
+    const auto bits = [&](std::size_t index) { return byte(index) & 0x3F; };
     const auto lead = byte(0);
     if (isASCII(lead)) {
         return {.value = lead, .length = 1};
@@ -30,19 +34,32 @@ Scalar scalarAt(std::string_view text, std::size_t offset) {
     if (lead < 0xC2 || lead > 0xF4) {
         return {.value = replacement, .length = 1};
     }
-    const std::size_t length = lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
-    auto lowest = lead == 0xE0 ? 0xA0 : lead == 0xF0 ? 0x90 : 0x80;
-    auto highest = lead == 0xED ? 0x9F : lead == 0xF4 ? 0x8F : 0xBF;
-    auto value = lead & (0x7F >> length);
-    for (std::size_t index = 1; index < length; ++index) {
-        if (offset + index == text.size() || byte(index) < lowest || byte(index) > highest) {
-            return {.value = replacement, .length = index};
-        }
-        value = value << 6 | (byte(index) & 0x3F);
-        lowest = 0x80;
-        highest = 0xBF;
+    if (lead < 0xE0) {
+        return continues(1) ? Scalar{.value = (lead & 0x1F) << 6 | bits(1), .length = 2}
+                            : Scalar{.value = replacement, .length = 1};
     }
-    return {.value = value, .length = length};
+    if (lead < 0xF0) {
+        if (!continues(1) || (lead == 0xE0 && byte(1) < 0xA0) || (lead == 0xED && byte(1) > 0x9F)) {
+            return {.value = replacement, .length = 1};
+        }
+        return continues(2) ? Scalar{.value = (lead & 0x0F) << 12 | bits(1) << 6 | bits(2), .length = 3}
+                            : Scalar{.value = replacement, .length = 2};
+    }
+    if (!continues(1) || (lead == 0xF0 && byte(1) < 0x90) || (lead == 0xF4 && byte(1) > 0x8F)) {
+        return {.value = replacement, .length = 1};
+    }
+    if (!continues(2)) {
+        return {.value = replacement, .length = 2};
+    }
+    return continues(3) ? Scalar{.value = (lead & 0x07) << 18 | bits(1) << 12 | bits(2) << 6 | bits(3), .length = 4}
+                        : Scalar{.value = replacement, .length = 3};
+}
+
+/// Whether there is always a break between this one and another plain one (rule GB999): it is neither a control nor any
+/// of what the other rules are about. Asking this is faster than asking for a break.
+bool isPlain(std::int32_t value) {
+    return isASCII(value) ? value >= ' ' && value != 0x7F
+                          : utf8proc_get_property(value)->boundclass == UTF8PROC_BOUNDCLASS_OTHER;
 }
 
 /// Walks a text from one character to the next.
@@ -74,32 +91,32 @@ public:
         if (offset_ < nextSkip_) {
             return 0;
         }
-        std::size_t begun = 0;
-        auto end = offset_;
-        while (limit - begun >= block && text_.size() - end >= block) {
-            const auto inside = charactersBegunInBlock(end);
-            if (inside == 0) {
+        std::size_t passed = 0;
+        auto end = offset_ + 1;
+        while (limit - passed >= block && text_.size() - end >= block) {
+            const auto begun = charactersBegunInBlock(end);
+            if (begun == 0) {
                 break;
             }
-            begun += inside;
+            passed += begun;
             end += block;
         }
         nextSkip_ = end + block;
-        if (begun == 0) {
-            return 0;
+        if (passed > 0) {
+            // What follows may still belong to the last of them.
+            const auto last = text_.substr(end - 2, 2) == "\r\n" ? end - 2 : end - 1;
+            state_ = 0;
+            left_ = Left::AfterBreak;
+            begin(last);
         }
-        // What follows may still belong to the last of them.
-        --end;
-        if (text_[end] == '\n' && end > offset_ && text_[end - 1] == '\r') {
-            --end;
-        }
-        state_ = 0;
-        begin(end);
-        return begun - 1;
+        return passed;
     }
 
 private:
     static constexpr std::size_t block = 64;
+
+    /// What is known of the scalar value before a possible break.
+    enum class Left : std::uint8_t { Plain, AfterBreak, InCharacter };
 
     void begin(std::size_t offset) {
         offset_ = offset;
@@ -109,32 +126,39 @@ private:
     }
 
     bool breaksBetween(std::int32_t left, std::int32_t right) {
-        if (isASCII(left) && isASCII(right)) {
-            // Whatever came before, ASCII leaves no state that the next rule could need.
+        const bool leftIsPlain = left_ == Left::Plain;
+        if (leftIsPlain && isPlain(right)) {
             state_ = 0;
-            return left != '\r' || right != '\n';
+            return true;
         }
-        return utf8proc_grapheme_break_stateful(left, right, &state_);
+        // A copy, so that the compiler may keep the rest of the cursor in registers.
+        auto state = state_;
+        const bool breaks = utf8proc_grapheme_break_stateful(left, right, &state);
+        state_ = state;
+        // Where breaks don't follow each other, as between flags, asking for plainness is not worth it.
+        const bool rightIsPlain = breaks && left_ == Left::AfterBreak && isPlain(right);
+        left_ = rightIsPlain ? Left::Plain : breaks ? Left::AfterBreak : Left::InCharacter;
+        return breaks;
     }
 
     /// None unless the block is all ASCII. In ASCII only CR LF is a character of more than one byte.
     [[nodiscard]] std::size_t charactersBegunInBlock(std::size_t offset) const {
         const auto* const bytes = text_.data() + offset;
         std::uint8_t all = 0;
-        std::uint8_t lineFeeds = offset > offset_ && bytes[0] == '\n' && bytes[-1] == '\r' ? 1 : 0;
+        std::uint8_t lineEnds = 0;
         for (std::size_t index = 0; index < block; ++index) {
             all |= static_cast<std::uint8_t>(bytes[index]);
+            lineEnds += static_cast<std::uint8_t>(static_cast<unsigned>(bytes[index] == '\n') &
+                                                  static_cast<unsigned>(*(bytes + index - 1) == '\r'));
         }
-        for (std::size_t index = 1; index < block; ++index) {
-            lineFeeds += static_cast<std::uint8_t>(bytes[index] == '\n' && bytes[index - 1] == '\r');
-        }
-        return isASCII(all) ? block - lineFeeds : 0;
+        return isASCII(all) ? block - lineEnds : 0;
     }
 
     std::string_view text_;
     std::size_t offset_ = 0;
-    Scalar first_{}; ///< the one at `offset_`
-    std::int32_t state_ = 0;
+    Scalar first_{};         ///< the one at `offset_`
+    std::int32_t state_ = 0; ///< of utf8proc; nothing that a rule could need is in it after a break between plain ones
+    Left left_ = Left::AfterBreak;
     std::size_t nextSkip_ = 0; ///< where a block of ASCII is worth looking for again
 };
 
