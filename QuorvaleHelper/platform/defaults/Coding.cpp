@@ -134,11 +134,12 @@ private:
         Chunk whole;
         while (true) {
             const auto chunk = (cbor_.*readChunk)();
+            // The end of a string is told as such also when what follows is broken; the reader then stays there.
+            if (chunk.status == QCborStreamReader::Error || cbor_.lastError() != QCborError::NoError) {
+                return std::nullopt;
+            }
             if (chunk.status == QCborStreamReader::EndOfString) {
                 return whole;
-            }
-            if (chunk.status == QCborStreamReader::Error) {
-                return std::nullopt;
             }
             whole += chunk.data;
         }

@@ -116,6 +116,7 @@ TEST_F(UserDefaultsTest, LeavesAFileAsItIsThatItCannotRead) {
              "\xA1\x61x\x61\xFF"s,                             // ill-formed UTF-8
              "\xA1\x61x\x3B\x80\x00\x00\x00\x00\x00\x00\x00"s, // below 64 bits
              "\xA1\x61x\x5B\x7F\xFF\xFF\xFF\xFF\xFF\xFF\xFF"s, // more bytes than there are
+             "\xA1\x61x\x9A\xFF\xFF\xFF\xFF\x40\xFF"s,         // a break where the second of many items should be
              "\xA1\x61x"s + std::string(100'000, '\x81'),
          }) {
         putFile(broken);
