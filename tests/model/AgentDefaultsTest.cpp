@@ -11,7 +11,7 @@ using platform::defaults::UserDefaults;
 
 TEST(AgentDefaultsTest, ChangesInPlaceAndAsAWhole) {
     const auto defaults = std::make_shared<AgentDefaults>(nullptr);
-    const auto other = defaults;
+    const std::weak_ptr<AgentDefaults> holder = defaults;
     EXPECT_FALSE(defaults->restrictions);
 
     defaults->restrictions.emplace(false, false, false, false);
@@ -21,8 +21,10 @@ TEST(AgentDefaultsTest, ChangesInPlaceAndAsAWhole) {
         defaults->appSettings[type] = type != ThreatType::None;
     }
 
-    ASSERT_TRUE(other->restrictions);
-    EXPECT_FALSE(other->restrictions->denyLock);
+    const auto other = holder.lock();
+    ASSERT_TRUE(other);
+    const auto denyLock = other->restrictions.transform([](const auto& restrictions) { return restrictions.denyLock; });
+    EXPECT_EQ(denyLock, false);
     EXPECT_EQ(other->domainBlackList, std::vector<std::string>{"example.org"});
     EXPECT_EQ(other->BlockedCountryCodes.back(), "DE");
     EXPECT_EQ(other->appSettings.size(), 30U);

@@ -19,7 +19,7 @@ std::vector<GraphemeBreakCase> graphemeBreakCases() {
             if (word == "÷") {
                 test.characters.emplace_back();
             } else if (word != "×") {
-                const char32_t scalar = static_cast<char32_t>(std::stoul(word, nullptr, 16));
+                const auto scalar = static_cast<char32_t>(std::stoul(word, nullptr, 16));
                 test.characters.back() += QString::fromUcs4(&scalar, 1).toStdString();
             }
         }
