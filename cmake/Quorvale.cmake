@@ -14,6 +14,9 @@ if(QUORVALE_SANITIZE)
   target_compile_options(quorvale_options INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
   target_link_options(quorvale_options INTERFACE -fsanitize=address,undefined)
 endif()
+if(QUORVALE_FUZZ)
+  target_compile_options(quorvale_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()
 
 # quorvale_library(name SOURCES file... [LINKS target...] [PRIVATE_LINKS target...])
 # A static library. LINKS are seen by those who include its headers, PRIVATE_LINKS are not.

@@ -92,7 +92,27 @@ public:
         return true;
     }
 
+    /// Whether no UTF-16 text has a zero in it, which the parser takes for a fault of its own and ends the process.
+    [[nodiscard]] bool haveNoZeroInText() const {
+        constexpr std::uint64_t utf16Text = 0x6;
+        for (std::uint64_t index = 0; index < count_; ++index) {
+            const auto object = objectOf(index);
+            for (std::uint64_t i = 0; object && object->type == utf16Text && i < object->count; ++i) {
+                if (number(list_, object->contents + 2 * i, 2).value_or(0) == 0) {
+                    return false;
+                }
+            }
+        }
+        return true;
+    }
+
 private:
+    struct Object {
+        std::uint64_t type;
+        std::uint64_t contents; ///< where they begin
+        std::uint64_t count;    ///< of their parts; at most the size of the list
+    };
+
     struct References {
         std::uint64_t offset;
         std::uint64_t count;
@@ -100,35 +120,42 @@ private:
 
     explicit BinaryObjects(std::string_view list) : list_(list) {}
 
-    /// Where the references of an object stand, none of them for a scalar; nothing where the list is broken.
-    [[nodiscard]] std::optional<References> referencesOf(std::uint64_t index) const {
+    /// Nothing where the list is broken.
+    [[nodiscard]] std::optional<Object> objectOf(std::uint64_t index) const {
         const auto offset = number(list_, table_ + index * offsetSize_, offsetSize_);
         const auto marker = offset ? number(list_, *offset, 1) : std::nullopt;
         if (!marker) {
             return std::nullopt;
         }
-        const auto type = *marker >> 4U;
-        const bool isDictionary = type == 0xD;
-        if (type != 0xA && type != 0xC && !isDictionary) {
-            return References{.offset = 0, .count = 0};
-        }
-        auto count = *marker & 0xFU;
-        auto first = *offset + 1;
-        if (count == 0xF) {
+        Object object{.type = *marker >> 4U, .contents = *offset + 1, .count = *marker & 0xFU};
+        if (object.count == 0xF) {
             // The count is an integer object: 0x1n and 2^n bytes.
-            const auto size = number(list_, first, 1);
+            const auto size = number(list_, object.contents, 1);
             if (!size || *size >> 4U != 1 || (*size & 0xFU) > 3) {
                 return std::nullopt;
             }
             const auto bytes = std::size_t{1} << (*size & 0xFU);
-            const auto value = number(list_, first + 1, bytes);
+            const auto value = number(list_, object.contents + 1, bytes);
             if (!value || *value > list_.size()) {
                 return std::nullopt;
             }
-            count = *value;
-            first += 1 + bytes;
+            object.count = *value;
+            object.contents += 1 + bytes;
         }
-        return References{.offset = first, .count = isDictionary ? 2 * count : count};
+        return object;
+    }
+
+    /// Where the references of an object stand, none of them for a scalar; nothing where the list is broken.
+    [[nodiscard]] std::optional<References> referencesOf(std::uint64_t index) const {
+        const auto object = objectOf(index);
+        if (!object) {
+            return std::nullopt;
+        }
+        const bool isDictionary = object->type == 0xD;
+        if (object->type != 0xA && object->type != 0xC && !isDictionary) {
+            return References{.offset = 0, .count = 0};
+        }
+        return References{.offset = object->contents, .count = isDictionary ? 2 * object->count : object->count};
     }
 
     std::string_view list_;
@@ -140,13 +167,13 @@ private:
 
 bool isSafeToParse(std::string_view contents) {
     if (!contents.starts_with(binaryMagic)) {
-        return contents.size() <= largestPropertyList;
+        return contents.size() <= largestPropertyList && !contents.contains('\0');
     }
     if (contents.size() > largestBinaryList) {
         return false;
     }
     const auto objects = BinaryObjects::of(contents);
-    return objects && objects->formTree();
+    return objects && objects->formTree() && objects->haveNoZeroInText();
 }
 
 } // namespace

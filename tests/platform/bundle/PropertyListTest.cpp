@@ -66,6 +66,15 @@ std::string text(const std::string& ascii) {
     return std::string(1, static_cast<char>(0x50 + ascii.size())).append(ascii);
 }
 
+template <std::size_t Size>
+std::string utf16Text(const char16_t (&units)[Size]) {
+    std::string bytes(1, static_cast<char>(0x60 + Size - 1));
+    for (const auto unit : std::u16string_view(units, Size - 1)) {
+        bytes += bigEndian(unit, 2);
+    }
+    return bytes;
+}
+
 } // namespace
 
 TEST(PropertyListTest, GivesTheTextEntriesOfTheTopLevelDictionary) {
@@ -78,9 +87,10 @@ TEST(PropertyListTest, GivesTheTextEntriesOfTheTopLevelDictionary) {
 }
 
 TEST(PropertyListTest, ReadsBinaryListsThatShareTexts) {
-    const auto list = binary({dictionary({1, 2, 3, 3, 3, 4}), text("a"), text("b"), text("2.1"), array({3, 1})});
+    const auto list =
+        binary({dictionary({1, 2, 3, 3, 3, 4}), text("a"), utf16Text(u"\u00FC"), text("2.1"), array({3, 1})});
 
-    EXPECT_THAT(textEntriesOfPropertyList(list), ElementsAre(Pair("a", "2.1"), Pair("b", "2.1")));
+    EXPECT_THAT(textEntriesOfPropertyList(list), ElementsAre(Pair("a", "2.1"), Pair("\u00FC", "2.1")));
 }
 
 TEST(PropertyListTest, HasNoEntriesWhenBroken) {
@@ -95,6 +105,9 @@ TEST(PropertyListTest, HasNoEntriesWhenBroken) {
              std::string("<plist><dict><key>a</key><string>b"),
              std::string("bplist00"),
              std::string("bplist00").append(32, '\xFF'),
+             xml(std::string("<dict><key>a</key><string>b\0c</string></dict>", 43)),
+             binary({dictionary({1, 2}), text("a"), utf16Text(u"b\0c")}),
+             binary({dictionary({1, 2}), utf16Text(u"\u00FC\0b"), text("c")}),
              binary({dictionary({1, 9}), text("a")}),
              binary({dictionary({1, 2}), text("a"), std::string("\xAF\x13") + std::string(8, '\x7F')}),
          }) {

@@ -1,0 +1,7 @@
+#pragma once
+
+namespace quorvale::model {
+
+class AppSettingsHelper {};
+
+} // namespace quorvale::model

@@ -1,0 +1,7 @@
+#pragma once
+
+namespace quorvale::model {
+
+class DNSParsingHelpers {};
+
+} // namespace quorvale::model

@@ -1,0 +1,7 @@
+#pragma once
+
+namespace quorvale::model {
+
+class IPHelper {};
+
+} // namespace quorvale::model

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace quorvale::platform::text {
+
+/// The user-perceived character at `position`, counted from 0: an extended grapheme cluster of Unicode Standard
+/// Annex #29, in the version of the installed utf8proc. None where the text has no more than `position` characters.
+/// One pass that ends with the character. Any thread.
+///
+/// Bytes that are not well-formed UTF-8 are read and given as U+FFFD, one for each maximal subpart of an ill-formed
+/// subsequence (Unicode Standard, section 3.9, "U+FFFD Substitution of Maximal Subparts"). So what is given is always
+/// well-formed, and a truncated sequence is one character, to which combining marks after it belong.
+std::optional<std::string> characterAt(std::size_t position, std::string_view text);
+
+} // namespace quorvale::platform::text
