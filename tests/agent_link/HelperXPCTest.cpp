@@ -134,6 +134,8 @@ TEST_F(HelperXPCTest, RunsARegistrationOnTheReplacedConnectionForWhichItWasQueue
     link_->connectToAgent();
     connect(agent);
     EXPECT_TRUE(logged("error: Failed to register client with agent: <private>"));
+    ASSERT_TRUE(waitUntil([&] { return !events(agent, registered).empty(); }));
+    exchangeMessage(agent);
     EXPECT_EQ(events(agent, registered).size(), 1U);
 }
 
