@@ -5,6 +5,8 @@
 #include "app/HelperIdentity.hpp"
 #include "app/StartUp.hpp"
 #include "platform/bundle/Bundle.hpp"
+#include "platform/log/UnifiedLog.hpp"
+#include "ui/logs/UnifiedLogReader.hpp"
 #include "ui/menu/ProtectedState.hpp"
 #include "ui/menu/SystemColors.hpp"
 #include "ui/menu/WindowBarStyle.hpp"
@@ -24,6 +26,7 @@ using platform::bundle::Bundle;
 using platform::desktop::MenuBarExtra;
 using platform::desktop::MenuBarIcon;
 using platform::queue::MainQueue;
+using ui::logs::LogStore;
 using ui::menu::ProtectedLook;
 
 constexpr double iconSize = 18;
@@ -42,6 +45,13 @@ MenuBarIcon menuBarIcon() {
     }
     logger().error("Failed to load the menu bar icon: %{public}s", icon.error().toStdString());
     return MenuBarIcon::fromSymbol(ProtectedLook::of(true).symbol, ui::menu::SystemColors::blue);
+}
+
+std::shared_ptr<LogStore> logStore() {
+    return std::make_shared<LogStore>(LogStore::Collaborators{
+        .subsystems = {LogSubsystems::of(Bundle::main()).own, filterSubsystem(), helperSubsystem()},
+        .logger = logger(),
+        .reader = std::make_unique<ui::logs::UnifiedLogReader>(platform::log::UnifiedLog::shared().store())});
 }
 
 } // namespace
@@ -63,7 +73,7 @@ void QuorvaleHelperApp::main(int argc, char** argv) {
 }
 
 QuorvaleHelperApp::QuorvaleHelperApp(Application& application)
-    : logStore_([] { return std::make_shared<ui::logs::LogStore>(); }),
+    : logStore_(logStore),
       statusListener_([] { return status::StatusManager::shared(); }),
       application_(application),
       colorScheme_(QDBusConnection::sessionBus()) {

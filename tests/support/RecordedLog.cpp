@@ -6,7 +6,7 @@ namespace quorvale::tests {
 
 std::vector<std::string> RecordedLog::lines() const {
     std::vector<std::string> lines;
-    log_.store().walk([&](const platform::log::Entry& entry) {
+    log_.store().snapshot().walk([&](const platform::log::Entry& entry) {
         const auto* const prefix = entry.level == platform::log::Level::error ? "error: " : "";
         lines.push_back(prefix + std::string(entry.composedMessage));
     });

@@ -58,20 +58,17 @@ std::byte* EntryStore::reserve(std::size_t size) {
     return chunk.bytes.get() + std::exchange(chunk.used, chunk.used + size);
 }
 
-void EntryStore::walk(const std::function<void(const Entry&)>& visit) const {
-    struct Seen {
-        std::shared_ptr<const Chunk> chunk;
-        std::size_t used;
-    };
+EntryStore::Snapshot EntryStore::snapshot() const {
+    Snapshot snapshot;
+    const std::scoped_lock lock(mutex_);
+    snapshot.chunks_.reserve(chunks_.size());
+    std::ranges::transform(chunks_, std::back_inserter(snapshot.chunks_),
+                           [](const auto& chunk) { return Snapshot::Seen{chunk, chunk->used}; });
+    return snapshot;
+}
 
-    std::vector<Seen> seen;
-    {
-        const std::scoped_lock lock(mutex_);
-        seen.reserve(chunks_.size());
-        std::ranges::transform(chunks_, std::back_inserter(seen),
-                               [](const auto& chunk) { return Seen{chunk, chunk->used}; });
-    }
-    for (auto& [chunk, used] : seen) {
+void EntryStore::Snapshot::walk(const std::function<void(const Entry&)>& visit) const {
+    for (const auto& [chunk, used] : chunks_) {
         for (std::size_t at = 0; at < used;) {
             Header header;
             std::memcpy(&header, chunk->bytes.get() + at, sizeof header);
@@ -82,7 +79,6 @@ void EntryStore::walk(const std::function<void(const Entry&)>& visit) const {
                    {reinterpret_cast<const char*>(chunk->bytes.get() + at), header.length}});
             at += header.length;
         }
-        chunk.reset();
     }
 }
 

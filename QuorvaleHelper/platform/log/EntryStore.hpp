@@ -30,9 +30,10 @@ public:
     /// Adds a message. `identity` is one of this store's. Any thread; waits for other writers, never for a walk.
     void append(const Entry& entry);
 
-    /// Calls `visit` with every entry that was there when the call was made, oldest first, however long that takes
-    /// and whatever is written meanwhile. Any thread.
-    void walk(const std::function<void(const Entry&)>& visit) const;
+    class Snapshot;
+
+    /// What there is now. Any thread; holds writers up only while it counts the chunks.
+    [[nodiscard]] Snapshot snapshot() const;
 
 private:
     struct Chunk {
@@ -51,6 +52,24 @@ private:
     std::deque<std::shared_ptr<Chunk>> chunks_;
     std::size_t reserved_ = 0;
     std::deque<Identity> identities_;
+};
+
+/// The entries of one moment. Copying it copies no entry; what the store drops meanwhile stays in memory as long as a
+/// snapshot has it. The store outlives it.
+class EntryStore::Snapshot {
+public:
+    /// Calls `visit` with every entry, oldest first, whatever is written meanwhile. Any thread.
+    void walk(const std::function<void(const Entry&)>& visit) const;
+
+private:
+    friend EntryStore;
+
+    struct Seen {
+        std::shared_ptr<const Chunk> chunk;
+        std::size_t used;
+    };
+
+    std::vector<Seen> chunks_;
 };
 
 } // namespace quorvale::platform::log

@@ -1,6 +1,6 @@
 #include "ui/menu/MenuButtonStyle.hpp"
 
-#include "ui/menu/ContinuousCorner.hpp"
+#include "ui/common/ContinuousCorner.hpp"
 #include "ui/menu/MenuButton.hpp"
 #include "ui/menu/SystemColors.hpp"
 
@@ -9,6 +9,8 @@
 namespace quorvale::ui::menu {
 
 namespace {
+
+using common::continuousRoundedRect;
 
 constexpr double cornerRadius = 5;
 constexpr double ringWidth = 2;

@@ -1,9 +1,9 @@
 #include "ui/menu/ProtectedState.hpp"
 
-#include "ui/menu/ContinuousCorner.hpp"
+#include "ui/common/ContinuousCorner.hpp"
+#include "ui/common/localized.hpp"
 #include "ui/menu/SystemColors.hpp"
 
-#include <QCoreApplication>
 #include <QPainter>
 
 #include <algorithm>
@@ -13,13 +13,11 @@ namespace quorvale::ui::menu {
 
 namespace {
 
+using common::continuousRoundedRect;
+using common::localized;
+
 constexpr double padding = 5;
 constexpr double cornerRadius = 5;
-
-/// Looks `key` up in the application's one table of texts.
-QString localized(const char* key) {
-    return QCoreApplication::translate("", key);
-}
 
 } // namespace
 

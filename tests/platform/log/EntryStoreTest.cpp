@@ -13,7 +13,7 @@ namespace {
 
 std::vector<std::string> messagesOf(const EntryStore& store) {
     std::vector<std::string> messages;
-    store.walk([&](const Entry& entry) { messages.emplace_back(entry.composedMessage); });
+    store.snapshot().walk([&](const Entry& entry) { messages.emplace_back(entry.composedMessage); });
     return messages;
 }
 
@@ -50,7 +50,7 @@ TEST(EntryStoreTest, WalksWhatWasThereWhileOthersWrite) {
 
     // The walk is held up until the writers, who must not be, have replaced everything that it walks over.
     std::vector<std::string> walked;
-    store.walk([&](const Entry& entry) {
+    store.snapshot().walk([&](const Entry& entry) {
         std::vector<std::jthread> writers;
         writers.reserve(4);
         for (int writer = 0; writer < 4; ++writer) {

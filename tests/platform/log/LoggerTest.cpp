@@ -24,7 +24,7 @@ struct Line {
 
 std::vector<Line> linesOf(const EntryStore& store) {
     std::vector<Line> lines;
-    store.walk([&](const Entry& entry) {
+    store.snapshot().walk([&](const Entry& entry) {
         lines.push_back(
             {entry.level, entry.identity.subsystem, entry.identity.category, std::string(entry.composedMessage)});
     });

@@ -1,4 +1,4 @@
-#include "ui/menu/ContinuousCorner.hpp"
+#include "ui/common/ContinuousCorner.hpp"
 
 #include <QTransform>
 
@@ -6,7 +6,7 @@
 #include <cmath>
 #include <numbers>
 
-namespace quorvale::ui::menu {
+namespace quorvale::ui::common {
 
 namespace {
 
@@ -51,4 +51,4 @@ QPainterPath continuousRoundedRect(const QRectF& rect, double radius) {
     return path;
 }
 
-} // namespace quorvale::ui::menu
+} // namespace quorvale::ui::common

@@ -1,0 +1,15 @@
+#include "ui/logs/UnifiedLogReader.hpp"
+
+namespace quorvale::ui::logs {
+
+std::expected<void, LogError> UnifiedLogReader::open() {
+    return {};
+}
+
+// A process starts after its machine, so any position near the boot is the store's beginning.
+std::expected<LogReader::Entries, LogError>
+UnifiedLogReader::entries(std::chrono::duration<double> /*sinceLatestBoot*/) {
+    return [snapshot = store_.snapshot()](const auto& visit) { snapshot.walk(visit); };
+}
+
+} // namespace quorvale::ui::logs
