@@ -6,15 +6,19 @@
 #include "app/StartUp.hpp"
 #include "platform/bundle/Bundle.hpp"
 #include "platform/log/UnifiedLog.hpp"
+#include "ui/common/localized.hpp"
+#include "ui/logs/LogViewer.hpp"
 #include "ui/logs/UnifiedLogReader.hpp"
 #include "ui/menu/ProtectedState.hpp"
 #include "ui/menu/SystemColors.hpp"
 #include "ui/menu/WindowBarStyle.hpp"
 
 #include <QDBusConnection>
+#include <QGuiApplication>
 
 #include <cstdlib>
 #include <string>
+#include <utility>
 
 namespace quorvale::app {
 
@@ -25,12 +29,15 @@ using platform::application::Instance;
 using platform::bundle::Bundle;
 using platform::desktop::MenuBarExtra;
 using platform::desktop::MenuBarIcon;
+using platform::desktop::WindowScene;
 using platform::queue::MainQueue;
 using ui::logs::LogStore;
 using ui::menu::ProtectedLook;
 
 constexpr double iconSize = 18;
-constexpr auto displayName = "Quorvale Helper";
+constexpr auto title = "Quorvale Helper";
+constexpr auto logWindowIdentifier = "log-viewer";
+constexpr QSize logWindowSize(720, 480);
 
 std::string identifier() {
     return std::string(agent_link::HelperXPC::clientIdentity);
@@ -57,7 +64,7 @@ std::shared_ptr<LogStore> logStore() {
 } // namespace
 
 void QuorvaleHelperApp::main(int argc, char** argv) {
-    Application application(argc, argv, identifier(), displayName);
+    Application application(argc, argv, identifier());
     switch (application.claimInstance()) {
     case Instance::first:
         break;
@@ -68,6 +75,7 @@ void QuorvaleHelperApp::main(int argc, char** argv) {
         application.terminate(EXIT_FAILURE);
     }
     QuorvaleHelperApp helper(application);
+    helper.makeLogWindow();
     helper.showMenuBarExtra();
     application.run();
 }
@@ -85,13 +93,31 @@ QuorvaleHelperApp::QuorvaleHelperApp(Application& application)
     startUp([&application] { application.terminate(); });
 }
 
+void QuorvaleHelperApp::makeLogWindow() {
+    logWindow_ = std::make_unique<WindowScene>(WindowScene::Description{
+        .title = ui::common::localized("Log"), .initialSize = logWindowSize, .makeContent = [this] {
+            return new ui::logs::LogViewer(*logStore_.get(), MainQueue::shared(), [this] { logWindow_->dismiss(); });
+        }});
+    openWindow_ = [this](std::string_view identifier) {
+        if (identifier == logWindowIdentifier) {
+            logWindow_->open();
+        }
+    };
+    application_.setActionHandler(logWindowIdentifier, [this] { openWindow_(logWindowIdentifier); });
+}
+
 void QuorvaleHelperApp::showMenuBarExtra() {
     auto& statusManager = *statusListener_.get();
     auto& mainQueue = MainQueue::shared();
     const auto bus = QDBusConnection::sessionBus();
-    menuBarExtra_ = std::make_unique<MenuBarExtra>(
-        bus, platform::desktop::StatusNotifierItem::Description{QString::fromStdString(identifier()),
-                                                                QString::fromLatin1(displayName), menuBarIcon()});
+    auto icon = menuBarIcon();
+    QGuiApplication::setWindowIcon(icon.icon());
+    menuBarExtra_ =
+        std::make_unique<MenuBarExtra>(bus, platform::desktop::StatusNotifierItem::Description{
+                                                QString::fromStdString(identifier()),
+                                                QString::fromLatin1(title),
+                                                std::move(icon),
+                                                {{logWindow_->title(), [this] { openWindow_(logWindowIdentifier); }}}});
     auto& extra = *menuBarExtra_;
     QObject::connect(&extra, &MenuBarExtra::failed,
                      [](const QString& what) { logger().error("%{public}s", what.toStdString()); });

@@ -3,6 +3,7 @@
 #include "app/AppDelegate.hpp"
 #include "platform/desktop/ColorSchemeFollower.hpp"
 #include "platform/desktop/MenuBarExtra.hpp"
+#include "platform/desktop/WindowScene.hpp"
 #include "platform/observable/ObservableObject.hpp"
 #include "platform/observable/StateObject.hpp"
 #include "status/StatusManager.hpp"
@@ -27,6 +28,7 @@ public:
     explicit QuorvaleHelperApp(platform::application::Application& application);
 
 private:
+    void makeLogWindow();
     void showMenuBarExtra();
 
     OpenWindowAction openWindow_;
@@ -36,6 +38,7 @@ private:
 
     platform::application::Application& application_;
     platform::desktop::ColorSchemeFollower colorScheme_;
+    std::unique_ptr<platform::desktop::WindowScene> logWindow_;
     std::unique_ptr<platform::desktop::MenuBarExtra> menuBarExtra_;
     platform::observable::Subscription statusTextUpdates_;
 };

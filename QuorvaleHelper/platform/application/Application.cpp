@@ -1,5 +1,7 @@
 #include "platform/application/Application.hpp"
 
+#include "platform/desktop/ActivationToken.hpp"
+
 #include <QApplication>
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
@@ -12,6 +14,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <map>
 #include <sys/eventfd.h>
 #include <unistd.h>
 #include <utility>
@@ -48,11 +51,10 @@ class Application::Session final : public QObject, protected QDBusContext {
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")
 
 public:
-    Session(int& argc, char** argv, const std::string& identifier, const std::string& displayName)
+    Session(int& argc, char** argv, const std::string& identifier)
         : identifier_(QString::fromStdString(identifier)), application_(argc, argv) {
         QApplication::setDesktopFileName(identifier_);
         QApplication::setApplicationName(identifier_);
-        QApplication::setApplicationDisplayName(QString::fromStdString(displayName));
         QApplication::setQuitOnLastWindowClosed(false);
         connect(&application_, &QCoreApplication::aboutToQuit, this, [this] { terminate(EXIT_SUCCESS); });
         watchSignals();
@@ -94,13 +96,14 @@ public:
     }
 
     std::function<void()> onActivation;
+    std::map<std::string, std::function<void()>> actions;
     std::function<void()> onSessionBusLoss;
     ApplicationDelegate* delegate = nullptr;
 
 public Q_SLOTS:
 
     Q_SCRIPTABLE void Activate(const QVariantMap& platformData) {
-        useActivationToken(platformData);
+        const auto token = tokenIn(platformData);
         if (onActivation) {
             onActivation();
         }
@@ -111,8 +114,14 @@ public Q_SLOTS:
     }
 
     Q_SCRIPTABLE void ActivateAction(const QString& name, const QVariantList& /*parameter*/,
-                                     const QVariantMap& /*platformData*/) {
-        sendErrorReply(QDBusError::InvalidArgs, QStringLiteral("There is no action %1.").arg(name));
+                                     const QVariantMap& platformData) {
+        const auto action = actions.find(name.toStdString());
+        if (action == actions.end()) {
+            sendErrorReply(QDBusError::InvalidArgs, QStringLiteral("There is no action %1.").arg(name));
+            return;
+        }
+        const auto token = tokenIn(platformData);
+        action->second();
     }
 
 private Q_SLOTS:
@@ -124,12 +133,8 @@ private Q_SLOTS:
     }
 
 private:
-    /// The toolkit takes the token from the environment when it next shows a window.
-    static void useActivationToken(const QVariantMap& platformData) {
-        const auto token = platformData.value(QStringLiteral("activation-token")).toString();
-        if (!token.isEmpty()) {
-            qputenv("XDG_ACTIVATION_TOKEN", token.toUtf8());
-        }
+    static desktop::ActivationToken tokenIn(const QVariantMap& platformData) {
+        return desktop::ActivationToken(platformData.value(QStringLiteral("activation-token")).toString());
     }
 
     void watchSignals() {
@@ -145,9 +150,9 @@ private:
     QApplication application_;
 };
 
-Application::Application(int& argc, char** argv, const std::string& identifier, const std::string& displayName) {
+Application::Application(int& argc, char** argv, const std::string& identifier) {
     qInstallMessageHandler(reportMessage);
-    session_ = std::make_unique<Session>(argc, argv, identifier, displayName);
+    session_ = std::make_unique<Session>(argc, argv, identifier);
 }
 
 Application::~Application() = default;
@@ -158,6 +163,10 @@ Instance Application::claimInstance() {
 
 void Application::setActivationHandler(std::function<void()> handler) {
     session_->onActivation = std::move(handler);
+}
+
+void Application::setActionHandler(const std::string& name, std::function<void()> handler) {
+    session_->actions[name] = std::move(handler);
 }
 
 void Application::setSessionBusLossHandler(std::function<void()> handler) {

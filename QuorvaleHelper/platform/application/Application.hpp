@@ -24,9 +24,9 @@ enum class Instance { first, anotherRuns, noSessionBus };
 /// SIGTERM, SIGINT, SIGHUP and the end of the desktop session terminate it in order.
 class Application {
 public:
-    /// `identifier` is a reverse-DNS name, `displayName` what a person reads. A desktop that can't be reached ends the
-    /// process with status 1 and the reason on standard error.
-    Application(int& argc, char** argv, const std::string& identifier, const std::string& displayName);
+    /// `identifier` is a reverse-DNS name. A desktop that can't be reached ends the process with status 1 and the
+    /// reason on standard error.
+    Application(int& argc, char** argv, const std::string& identifier);
     ~Application();
     Application(const Application&) = delete;
     Application& operator=(const Application&) = delete;
@@ -36,6 +36,9 @@ public:
 
     /// `handler` runs when another process activates this one.
     void setActivationHandler(std::function<void()> handler);
+
+    /// `handler` runs when another process asks for the action of that name, as a desktop entry's actions do.
+    void setActionHandler(const std::string& name, std::function<void()> handler);
 
     /// `handler` runs once, when the session bus goes away.
     void setSessionBusLossHandler(std::function<void()> handler);

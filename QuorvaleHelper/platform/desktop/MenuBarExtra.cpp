@@ -1,5 +1,7 @@
 #include "platform/desktop/MenuBarExtra.hpp"
 
+#include "platform/desktop/ActivationToken.hpp"
+
 #include <QGuiApplication>
 #include <QScreen>
 
@@ -9,14 +11,10 @@ namespace quorvale::platform::desktop {
 
 namespace {
 
-constexpr auto tokenVariable = "XDG_ACTIVATION_TOKEN";
-
-bool onWayland() {
-    return QGuiApplication::platformName().startsWith(QLatin1String("wayland"));
-}
-
 PanelWindow::Presentation presentation() {
-    return onWayland() ? PanelWindow::Presentation::PlacedByCompositor : PanelWindow::Presentation::AnchoredPopup;
+    return QGuiApplication::platformName().startsWith(QLatin1String("wayland"))
+               ? PanelWindow::Presentation::PlacedByCompositor
+               : PanelWindow::Presentation::AnchoredPopup;
 }
 
 } // namespace
@@ -30,15 +28,13 @@ MenuBarExtra::MenuBarExtra(const QDBusConnection& bus, StatusNotifierItem::Descr
     window_.setWindowTitle(title_);
     connect(&icon_, &StatusIcon::failed, this, &MenuBarExtra::failed);
     connect(&icon_, &StatusIcon::activated, this, [this](QPoint anchor, const QString& activationToken) {
-        // Qt hands the token to the compositor when the window asks to be active; no child process may inherit it.
-        const auto withToken = onWayland() && !activationToken.isEmpty();
-        if (withToken) {
-            qputenv(tokenVariable, activationToken.toUtf8());
-        }
+        const ActivationToken token(activationToken);
         toggle(anchor);
-        if (withToken) {
-            qunsetenv(tokenVariable);
-        }
+    });
+    connect(&window_, &PanelWindow::visibilityChanged, this, [this](bool isVisible) {
+        // The tooltip would lie over the window, which says the same.
+        icon_.setAnnouncements(isVisible ? StatusNotifierItem::Announcements::Held
+                                         : StatusNotifierItem::Announcements::Prompt);
     });
 }
 

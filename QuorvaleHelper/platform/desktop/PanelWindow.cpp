@@ -85,6 +85,7 @@ void PanelWindow::showEvent(QShowEvent* event) {
     if (presentation_ == Presentation::AnchoredPopup) {
         grabTimer_.start(grabInterval, this);
     }
+    Q_EMIT visibilityChanged(true);
 }
 
 void PanelWindow::hideEvent(QHideEvent* event) {
@@ -94,6 +95,7 @@ void PanelWindow::hideEvent(QHideEvent* event) {
         releaseInput(*windowHandle());
     }
     QWidget::hideEvent(event);
+    Q_EMIT visibilityChanged(false);
 }
 
 void PanelWindow::resizeEvent(QResizeEvent* event) {

@@ -34,6 +34,9 @@ public:
     /// that dismissed it.
     [[nodiscard]] bool wasJustDismissedByFocusLoss() const;
 
+Q_SIGNALS:
+    void visibilityChanged(bool isVisible);
+
 protected:
     bool event(QEvent* event) override;
     void showEvent(QShowEvent* event) override;

@@ -15,6 +15,10 @@ namespace quorvale::platform::desktop {
 
 namespace {
 
+bool onX11() {
+    return QGuiApplication::platformName() == QLatin1String("xcb");
+}
+
 QPoint anchorFor(QPoint panelsWord) {
     std::vector<ScreenGeometry> screens;
     for (const auto* screen : QGuiApplication::screens()) {
@@ -27,6 +31,16 @@ QPoint anchorFor(QPoint panelsWord) {
 
 StatusIcon::StatusIcon(const QDBusConnection& bus, StatusNotifierItem::Description description, QObject* parent)
     : QObject(parent), item_(bus, std::move(description)), host_(bus) {
+    for (const auto& [label, action] : item_.description().menu) {
+        // A single ampersand would mark the key that chooses the item.
+        menu_.addAction(QString(label).replace(u'&', QLatin1String("&&")), this, action);
+    }
+    connect(&item_, &StatusNotifierItem::contextMenuRequested, this, [this](QPoint position) {
+        // A Wayland client can't place a menu that no window of its own is under; panels there draw it themselves.
+        if (onX11()) {
+            menu_.popup(anchorFor(position));
+        }
+    });
     connect(&item_, &StatusNotifierItem::activated, this,
             [this](QPoint position, const QString& token) { Q_EMIT activated(anchorFor(position), token); });
     connect(&host_, &StatusNotifierHostWatch::hostChanged, this, &StatusIcon::followHost);
@@ -60,7 +74,7 @@ void StatusIcon::followHost() {
         trayIcon_.reset();
         break;
     case StatusNotifierHostWatch::Host::Absent:
-        if (!trayIcon_ && QGuiApplication::platformName() == QLatin1String("xcb")) {
+        if (!trayIcon_ && onX11()) {
             absence_.start(static_cast<int>(std::chrono::milliseconds(hostGrace).count()), this);
         }
         break;
@@ -72,6 +86,7 @@ void StatusIcon::followHost() {
 void StatusIcon::showInSystemTray() {
     trayIcon_ = std::make_unique<QSystemTrayIcon>(item_.description().icon.icon());
     trayIcon_->setToolTip(item_.toolTip());
+    trayIcon_->setContextMenu(&menu_);
     connect(trayIcon_.get(), &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
         // A double click has already been a click.
         if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::MiddleClick) {

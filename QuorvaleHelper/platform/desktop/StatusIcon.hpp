@@ -5,6 +5,7 @@
 
 #include <QBasicTimer>
 #include <QDBusConnection>
+#include <QMenu>
 #include <QObject>
 #include <QPoint>
 #include <QString>
@@ -33,6 +34,8 @@ public:
     /// Plain text.
     void setToolTip(const QString& text);
 
+    void setAnnouncements(StatusNotifierItem::Announcements announcements) { item_.setAnnouncements(announcements); }
+
 Q_SIGNALS:
     /// The user wants the window of the icon, which is at `anchor`: logical pixels of the whole desktop; on Wayland of
     /// no use.
@@ -47,6 +50,8 @@ private:
     void followHost();
     void showInSystemTray();
 
+    /// For a panel that doesn't draw the item's menu itself.
+    QMenu menu_;
     StatusNotifierItem item_;
     StatusNotifierHostWatch host_;
     QBasicTimer absence_;

@@ -3,6 +3,7 @@
 #include <QDBusAbstractAdaptor>
 #include <QDBusArgument>
 #include <QDBusMetaType>
+#include <QDBusObjectPath>
 #include <QtEndian>
 
 #include <utility>
@@ -78,6 +79,7 @@ class Adaptor final : public QDBusAbstractAdaptor {
     Q_PROPERTY(QString IconAccessibleDesc READ iconAccessibleDesc)
     Q_PROPERTY(quorvale::platform::desktop::NotifierToolTip ToolTip READ toolTip)
     Q_PROPERTY(bool ItemIsMenu READ itemIsMenu)
+    Q_PROPERTY(QDBusObjectPath Menu READ menu)
 
 public:
     explicit Adaptor(StatusNotifierItem& item) : QDBusAbstractAdaptor(&item), item_(item) {
@@ -110,13 +112,15 @@ public:
 
     [[nodiscard]] bool itemIsMenu() const { return false; }
 
+    [[nodiscard]] QDBusObjectPath menu() const { return QDBusObjectPath(DBusMenu::path); }
+
 public Q_SLOTS:
 
     void Activate(int x, int y) { Q_EMIT item_.activated({x, y}, std::exchange(activationToken_, {})); }
 
     void SecondaryActivate(int x, int y) { Activate(x, y); }
 
-    void ContextMenu(int /*x*/, int /*y*/) {}
+    void ContextMenu(int x, int y) { Q_EMIT item_.contextMenuRequested({x, y}); }
 
     void Scroll(int /*delta*/, const QString& /*orientation*/) {}
 
@@ -135,7 +139,11 @@ private:
 } // namespace
 
 StatusNotifierItem::StatusNotifierItem(QDBusConnection bus, Description description, QObject* parent)
-    : QObject(parent), bus_(std::move(bus)), description_(std::move(description)), toolTip_(description_.title) {
+    : QObject(parent),
+      bus_(std::move(bus)),
+      description_(std::move(description)),
+      menu_(bus_, description_.menu),
+      toolTip_(description_.title) {
     qDBusRegisterMetaType<NotifierPixmap>();
     qDBusRegisterMetaType<NotifierPixmaps>();
     qDBusRegisterMetaType<NotifierToolTip>();
@@ -149,6 +157,18 @@ StatusNotifierItem::~StatusNotifierItem() {
 
 void StatusNotifierItem::setToolTip(const QString& text) {
     if (std::exchange(toolTip_, text) != text) {
+        isAnnounced_ = false;
+        announce();
+    }
+}
+
+void StatusNotifierItem::setAnnouncements(Announcements announcements) {
+    announcements_ = announcements;
+    announce();
+}
+
+void StatusNotifierItem::announce() {
+    if (announcements_ == Announcements::Prompt && !std::exchange(isAnnounced_, true)) {
         Q_EMIT toolTipChanged();
     }
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/desktop/DBusMenu.hpp"
 #include "platform/desktop/MenuBarIcon.hpp"
 
 #include <QDBusConnection>
@@ -21,7 +22,13 @@ public:
         /// Names the program where panels list their icons.
         QString title;
         MenuBarIcon icon;
+        /// What a right click on the icon offers.
+        MenuItems menu;
     };
+
+    /// Whether panels are told of a new tooltip at once, or later: they may show it there and then if the pointer rests
+    /// on the icon.
+    enum class Announcements { Prompt, Held };
 
     /// Exports the item on `bus`, which shows no other.
     StatusNotifierItem(QDBusConnection bus, Description description, QObject* parent = nullptr);
@@ -36,17 +43,26 @@ public:
 
     [[nodiscard]] const QString& toolTip() const { return toolTip_; }
 
+    void setAnnouncements(Announcements announcements);
+
 Q_SIGNALS:
     /// The user wants the item's window. `position` is where, in native pixels of the whole desktop, or (0, 0) from a
     /// panel that doesn't know. `activationToken` lets the window take the focus on Wayland; it may be empty. Both
     /// are a peer's word.
     void activated(QPoint position, const QString& activationToken);
     void toolTipChanged();
+    /// A panel that doesn't draw the menu itself wants it shown at `position`, as for `activated`.
+    void contextMenuRequested(QPoint position);
 
 private:
+    void announce();
+
     QDBusConnection bus_;
     Description description_;
+    DBusMenu menu_;
     QString toolTip_;
+    Announcements announcements_ = Announcements::Prompt;
+    bool isAnnounced_ = true;
 };
 
 } // namespace quorvale::platform::desktop

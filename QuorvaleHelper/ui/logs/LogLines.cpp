@@ -19,7 +19,7 @@ void LogLines::append(std::initializer_list<std::string_view> parts) {
 
 std::string_view LogLines::operator[](std::size_t index) const {
     const auto start = index == 0 ? 0 : ends_[index - 1] + 1;
-    return text().substr(start, ends_[index] - start);
+    return std::string_view(text_).substr(start, ends_[index] - start);
 }
 
 } // namespace quorvale::ui::logs

@@ -23,7 +23,7 @@ public:
     [[nodiscard]] std::string_view operator[](std::size_t index) const;
 
     /// All lines with a line feed between neighbours and none at the end.
-    [[nodiscard]] std::string_view text() const { return text_; }
+    [[nodiscard]] const std::string& text() const { return text_; }
 
 private:
     std::string text_;

@@ -87,7 +87,11 @@ protected:
 
     SessionBus session;
     StatusNotifierItem item{session.program,
-                            {QStringLiteral("com.quorvale.QuorvaleHelper"), QStringLiteral("Quorvale Helper"), icon()}};
+                            {QStringLiteral("com.quorvale.QuorvaleHelper"),
+                             QStringLiteral("Quorvale Helper"),
+                             icon(),
+                             {{QStringLiteral("Log_1"), [this] { ++opened; }}}}};
+    int opened = 0;
 };
 
 TEST_F(StatusNotifierItemTest, TellsPanelsWhatItIs) {
@@ -139,13 +143,20 @@ TEST_F(StatusNotifierItemTest, IsActivatedByEitherButtonWithTheTokenGivenForIt) 
     EXPECT_EQ(activations, expected);
 }
 
-TEST_F(StatusNotifierItemTest, TellsPanelsOfANewToolTipOnlyWhenItIsNew) {
+TEST_F(StatusNotifierItemTest, TellsPanelsOfANewToolTipOnlyWhenItIsNewAndMayBeShown) {
     SignalCounter panel(session.other);
     for (const auto* text : {"Protected", "Protected", "Unprotected"}) {
         item.setToolTip(QString::fromLatin1(text));
     }
+    item.setAnnouncements(StatusNotifierItem::Announcements::Held);
+    item.setToolTip(QStringLiteral("Protected"));
+    item.setToolTip(QStringLiteral("Unprotected"));
+    EXPECT_EQ(property("IconAccessibleDesc"), QStringLiteral("Unprotected"));
     EXPECT_TRUE(tests::waitUntil([&] { return panel.newIcons == 2; }));
     EXPECT_EQ(panel.newToolTips, 2);
+    item.setAnnouncements(StatusNotifierItem::Announcements::Prompt);
+    EXPECT_TRUE(tests::waitUntil([&] { return panel.newIcons == 3; }));
+    EXPECT_EQ(panel.newToolTips, 3);
 }
 
 } // namespace quorvale::platform::desktop

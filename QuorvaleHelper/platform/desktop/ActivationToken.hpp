@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QString>
+
+namespace quorvale::platform::desktop {
+
+/// Lets the windows that are shown during its life take the focus on Wayland. Qt hands the token to the compositor
+/// when a window asks to be active; no child process may inherit it. GUI thread.
+/// https://wayland.app/protocols/xdg-activation-v1
+class ActivationToken {
+public:
+    /// `token` is a peer's word, and may be empty.
+    explicit ActivationToken(const QString& token);
+    ~ActivationToken();
+    ActivationToken(const ActivationToken&) = delete;
+    ActivationToken& operator=(const ActivationToken&) = delete;
+};
+
+} // namespace quorvale::platform::desktop

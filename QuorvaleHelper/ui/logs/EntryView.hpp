@@ -1,0 +1,103 @@
+#pragma once
+
+#include "ui/logs/BlockSums.hpp"
+#include "ui/logs/TextSegments.hpp"
+
+#include <QAbstractScrollArea>
+#include <QTextLayout>
+
+#include <array>
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <unordered_map>
+
+namespace quorvale::ui::logs {
+
+/// A scrollable list with rounded corners. Its rows are plain text, whatever they hold, and wrap at the list's width.
+///
+/// Only what is visible is laid out, so that a text of a hundred megabytes is shown as fast as one of a line. The
+/// heights of all other lines are estimated from their lengths: the scroll bar is about right, steps and pages go by
+/// pixels, both ends are exact. A text of a few lines is laid out whole, and nothing is estimated.
+class EntryView final : public QAbstractScrollArea {
+    Q_OBJECT
+
+public:
+    /// One row: the text, UTF-8 or any bytes, shared with whoever has it too.
+    using Items = std::array<std::shared_ptr<const std::string>, 1>;
+
+    static constexpr double cornerRadius = 10;
+
+    /// A place in the row's text: a segment and a UTF-16 unit of what is shown of it.
+    struct Position {
+        std::size_t segment;
+        int unit;
+
+        bool operator==(const Position&) const = default;
+    };
+
+    explicit EntryView(Items items, QWidget* parent = nullptr);
+
+    /// Shows other rows, from their beginning.
+    void setItems(Items items);
+
+    [[nodiscard]] const Items& items() const { return items_; }
+
+    [[nodiscard]] const TextSegments& segments() const { return segments_; }
+
+    /// Brings a segment to the upper edge, or as close to it as the end of the text allows.
+    void scrollTo(std::size_t segment);
+
+    /// The segment at the upper edge.
+    [[nodiscard]] std::size_t firstVisible() const { return top_; }
+
+    /// The place of a character on the viewport; nothing when its segment isn't on it.
+    [[nodiscard]] QRect rectOf(Position position);
+
+    /// The character at a point of the viewport, or the nearest one.
+    [[nodiscard]] Position positionAt(QPoint point);
+
+protected:
+    bool event(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void scrollContentsBy(int dx, int dy) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+    void changeEvent(QEvent* event) override;
+
+private:
+    class Outline;
+
+    [[nodiscard]] int textWidth() const;
+    [[nodiscard]] int textHeight() const;
+    const QTextLayout& layoutOf(std::size_t segment);
+    int heightOf(std::size_t segment);
+    BlockSums exactHeights();
+    [[nodiscard]] BlockSums estimatedHeights() const;
+    void layOutAgain();
+    void updateScrollBar();
+    void moveBy(std::int64_t pixels);
+    void moveToValue(int value);
+    void stayWithinText();
+    /// The first segment that is visible at all, and where its upper edge is on the viewport.
+    std::pair<std::size_t, int> firstPainted();
+
+    Items items_;
+    TextSegments segments_;
+    std::unordered_map<std::size_t, std::unique_ptr<QTextLayout>> layouts_;
+    BlockSums heights_;
+
+    // What is at the upper edge of the text: so many pixels of that segment are above it.
+    std::size_t top_ = 0;
+    int hidden_ = 0;
+    bool isAtEnd_ = false;
+
+    std::int64_t pixelsPerValue_ = 1; ///< of the scroll bar
+    int value_ = 0;                   ///< the scroll bar's, as it was set last
+    bool isFollowing_ = false;        ///< The scroll bar is being set to where the text is.
+    Outline* outline_;
+};
+
+} // namespace quorvale::ui::logs

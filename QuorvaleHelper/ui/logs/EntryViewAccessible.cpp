@@ -1,0 +1,238 @@
+#include "ui/logs/EntryViewAccessible.hpp"
+
+#include "ui/logs/BlockSums.hpp"
+#include "ui/logs/displayText.hpp"
+
+#include <QPointer>
+#include <QTextBoundaryFinder>
+
+#include <algorithm>
+#include <limits>
+#include <optional>
+#include <utility>
+
+namespace quorvale::ui::logs {
+
+namespace {
+
+using Position = EntryView::Position;
+
+/// What lies around a place in a text, from a boundary to the next.
+std::pair<int, int> rangeAround(const QString& text, int at, QAccessible::TextBoundaryType boundary) {
+    if (boundary != QAccessible::CharBoundary && boundary != QAccessible::WordBoundary) {
+        return {0, static_cast<int>(text.size())};
+    }
+    QTextBoundaryFinder finder(
+        boundary == QAccessible::CharBoundary ? QTextBoundaryFinder::Grapheme : QTextBoundaryFinder::Word, text);
+    finder.setPosition(at);
+    const auto start = finder.isAtBoundary() ? at : static_cast<int>(finder.toPreviousBoundary());
+    finder.setPosition(at);
+    const auto end = finder.toNextBoundary();
+    return {start, end < 0 ? static_cast<int>(text.size()) : static_cast<int>(end)};
+}
+
+} // namespace
+
+/// The list's one item. Offsets count the UTF-16 units of what is shown, and one for each line feed.
+class EntryViewAccessible::Row final : public QAccessibleInterface, public QAccessibleTextInterface {
+public:
+    explicit Row(EntryView& view) : view_(&view) {}
+
+    [[nodiscard]] bool isValid() const override { return !view_.isNull(); }
+
+    [[nodiscard]] QObject* object() const override { return nullptr; }
+
+    [[nodiscard]] QWindow* window() const override { return view_->window()->windowHandle(); }
+
+    [[nodiscard]] QAccessibleInterface* parent() const override { return QAccessible::queryAccessibleInterface(view_); }
+
+    [[nodiscard]] QAccessibleInterface* child(int /*index*/) const override { return nullptr; }
+
+    [[nodiscard]] int childCount() const override { return 0; }
+
+    int indexOfChild(const QAccessibleInterface* /*child*/) const override { return -1; }
+
+    [[nodiscard]] QAccessibleInterface* childAt(int /*x*/, int /*y*/) const override { return nullptr; }
+
+    /// The name is what is visible: that of all the text would be too long to be spoken, or even to be sent.
+    [[nodiscard]] QString text(QAccessible::Text kind) const override {
+        if (kind != QAccessible::Name) {
+            return {};
+        }
+        const auto last = view_->positionAt(view_->viewport()->rect().bottomLeft()).segment;
+        QString visible;
+        for (auto segment = view_->firstVisible(); segment <= last; ++segment) {
+            visible += shown(segment);
+        }
+        return visible.trimmed();
+    }
+
+    void setText(QAccessible::Text /*kind*/, const QString& /*text*/) override {}
+
+    [[nodiscard]] QRect rect() const override {
+        return {view_->viewport()->mapToGlobal(QPoint()), view_->viewport()->size()};
+    }
+
+    [[nodiscard]] QAccessible::Role role() const override { return QAccessible::ListItem; }
+
+    [[nodiscard]] QAccessible::State state() const override {
+        QAccessible::State state;
+        state.readOnly = true;
+        state.multiLine = true;
+        state.invisible = !view_->isVisible();
+        return state;
+    }
+
+    void* interface_cast(QAccessible::InterfaceType type) override {
+        return type == QAccessible::TextInterface ? static_cast<QAccessibleTextInterface*>(this) : nullptr;
+    }
+
+    [[nodiscard]] int characterCount() const override {
+        return static_cast<int>(std::min<std::int64_t>(sums().total(), std::numeric_limits<int>::max()));
+    }
+
+    [[nodiscard]] QString text(int start, int end) const override {
+        const auto from = std::clamp(start, 0, characterCount());
+        const auto to = std::clamp(end < 0 ? characterCount() : end, from, characterCount());
+        auto segment = at(from).segment;
+        const auto skipped = from - offset({segment, 0});
+        QString text;
+        for (; segment < view_->segments().size() && text.size() < skipped + to - from; ++segment) {
+            text += shown(segment);
+        }
+        return text.mid(skipped, to - from);
+    }
+
+    QString textAtOffset(int offset, QAccessible::TextBoundaryType boundary, int* start, int* end) const override {
+        return textOf(around(offset, boundary), start, end);
+    }
+
+    QString textBeforeOffset(int offset, QAccessible::TextBoundaryType boundary, int* start, int* end) const override {
+        const auto here = around(offset, boundary).first;
+        return textOf(here == 0 ? std::pair{0, 0} : around(here - 1, boundary), start, end);
+    }
+
+    QString textAfterOffset(int offset, QAccessible::TextBoundaryType boundary, int* start, int* end) const override {
+        const auto next = around(offset, boundary).second;
+        return textOf(next >= characterCount() ? std::pair{next, next} : around(next, boundary), start, end);
+    }
+
+    [[nodiscard]] QRect characterRect(int offset) const override {
+        const auto rect = view_->rectOf(at(offset));
+        return rect.isNull() ? rect : rect.translated(view_->viewport()->mapToGlobal(QPoint()));
+    }
+
+    [[nodiscard]] int offsetAtPoint(const QPoint& point) const override {
+        return offset(view_->positionAt(view_->viewport()->mapFromGlobal(point)));
+    }
+
+    void scrollToSubstring(int start, int /*end*/) override { view_->scrollTo(at(start).segment); }
+
+    // There is no caret: reading starts at what is visible.
+    [[nodiscard]] int cursorPosition() const override { return offset({view_->firstVisible(), 0}); }
+
+    void setCursorPosition(int offset) override { scrollToSubstring(offset, offset); }
+
+    QString attributes(int offset, int* start, int* end) const override {
+        *start = 0;
+        *end = std::max(characterCount(), offset);
+        return {};
+    }
+
+    void selection(int /*index*/, int* start, int* end) const override { *start = *end = 0; }
+
+    [[nodiscard]] int selectionCount() const override { return 0; }
+
+    void addSelection(int /*start*/, int /*end*/) override {}
+
+    void removeSelection(int /*index*/) override {}
+
+    void setSelection(int /*index*/, int /*start*/, int /*end*/) override {}
+
+private:
+    [[nodiscard]] QString shown(std::size_t segment) const {
+        const auto& segments = view_->segments();
+        auto text = displayText(segments[segment]);
+        if (segments.endsLine(segment)) {
+            text += u'\n';
+        }
+        return text;
+    }
+
+    const BlockSums& sums() const {
+        const auto& text = view_->items().front();
+        if (!sums_ || measured_.lock() != text) {
+            measured_ = text;
+            sums_.emplace(view_->segments().size(),
+                          [this](std::size_t segment) { return static_cast<int>(shown(segment).size()); });
+        }
+        return *sums_;
+    }
+
+    [[nodiscard]] int offset(Position position) const {
+        const auto offset = sums().before(position.segment) + position.unit;
+        return static_cast<int>(std::min<std::int64_t>(offset, std::numeric_limits<int>::max()));
+    }
+
+    [[nodiscard]] Position at(int offset) const {
+        const auto within = std::clamp(offset, 0, characterCount());
+        const auto segment = sums().at(within);
+        return {segment, static_cast<int>(within - sums().before(segment))};
+    }
+
+    [[nodiscard]] std::pair<int, int> around(int offset, QAccessible::TextBoundaryType boundary) const {
+        if (boundary == QAccessible::NoBoundary) {
+            return {0, characterCount()};
+        }
+        const auto [segment, unit] = at(offset);
+        const auto start = this->offset({segment, 0});
+        const auto [from, to] = rangeAround(shown(segment), unit, boundary);
+        return {start + from, start + to};
+    }
+
+    QString textOf(std::pair<int, int> range, int* start, int* end) const {
+        std::tie(*start, *end) = range;
+        return text(*start, *end);
+    }
+
+    QPointer<EntryView> view_;
+    mutable std::optional<BlockSums> sums_;
+    mutable std::weak_ptr<const std::string> measured_;
+};
+
+void EntryViewAccessible::install() {
+    [[maybe_unused]] static const bool once = [] {
+        QAccessible::installFactory([](const QString& /*className*/, QObject* object) -> QAccessibleInterface* {
+            auto* const view = qobject_cast<EntryView*>(object);
+            return view ? new EntryViewAccessible(*view) : nullptr;
+        });
+        return true;
+    }();
+}
+
+EntryViewAccessible::EntryViewAccessible(EntryView& view)
+    : QAccessibleWidget(&view, QAccessible::List), row_(new Row(view)) {
+    QAccessible::registerAccessibleInterface(row_);
+}
+
+EntryViewAccessible::~EntryViewAccessible() {
+    QAccessible::deleteAccessibleInterface(QAccessible::uniqueId(row_));
+}
+
+int EntryViewAccessible::childCount() const {
+    return 1;
+}
+
+QAccessibleInterface* EntryViewAccessible::child(int index) const {
+    return index == 0 ? row_ : nullptr;
+}
+
+int EntryViewAccessible::indexOfChild(const QAccessibleInterface* child) const {
+    return child == row_ ? 0 : -1;
+}
+
+QAccessibleInterface* EntryViewAccessible::childAt(int x, int y) const {
+    return row_->rect().contains(x, y) ? row_ : nullptr;
+}
+
+} // namespace quorvale::ui::logs

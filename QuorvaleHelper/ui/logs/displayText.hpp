@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QString>
+
+#include <string_view>
+
+namespace quorvale::ui::logs {
+
+/// What a person is shown of a piece of a line, one place for one character. Nothing in it is hidden or moves what
+/// stands around it: control characters but the tabulator appear as their pictures (Unicode's Control Pictures);
+/// controls of direction, separators of lines and whatever is not well-formed UTF-8 as U+FFFD.
+QString displayText(std::string_view utf8);
+
+} // namespace quorvale::ui::logs
