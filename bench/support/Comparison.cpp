@@ -72,6 +72,7 @@ bool report(const Comparison& comparison, double ours, double baseline) {
     const auto freeAllocations =
         comparison.allocations == Comparison::Allocations::Free ? allocations : allocationsOf(comparison.baseline);
     const bool isMet = (!comparison.timeLimit || ratio <= *comparison.timeLimit) &&
+                       (!comparison.longest || ours <= static_cast<double>(comparison.longest->count())) &&
                        (!comparison.throughputGoal || throughput >= *comparison.throughputGoal) &&
                        allocations <= freeAllocations;
     std::string goal;
@@ -83,6 +84,9 @@ bool report(const Comparison& comparison, double ours, double baseline) {
         }
     };
     demand(comparison.timeLimit, "time <= %.2f");
+    if (comparison.longest) {
+        demand(std::optional(std::chrono::duration<double, std::milli>(*comparison.longest).count()), "ms <= %g");
+    }
     demand(comparison.throughputGoal, "GB/s >= %.1f");
     if (comparison.allocations == Comparison::Allocations::AsTheBaseline) {
         demand(std::optional(freeAllocations), "new <= %zu");

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -23,6 +24,8 @@ struct Comparison {
     Operation baseline;
     /// The most that ours may take, as a multiple of the baseline's time.
     std::optional<double> timeLimit = std::nullopt;
+    /// The most that one operation of ours may take.
+    std::optional<std::chrono::nanoseconds> longest = std::nullopt;
     /// The least that ours must go through, in GB/s.
     std::optional<double> throughputGoal = std::nullopt;
     /// Whether ours, once it is warm, may call `operator new` more often than the baseline does.

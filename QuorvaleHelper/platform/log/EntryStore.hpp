@@ -42,6 +42,7 @@ private:
         std::unique_ptr<std::byte[]> bytes;
         std::size_t capacity;
         std::size_t used = 0;
+        std::size_t count = 0;
     };
 
     std::byte* reserve(std::size_t size);
@@ -61,6 +62,11 @@ public:
     /// Calls `visit` with every entry, oldest first, whatever is written meanwhile. Any thread.
     void walk(const std::function<void(const Entry&)>& visit) const;
 
+    [[nodiscard]] std::size_t count() const { return count_; }
+
+    /// The bytes of all messages together.
+    [[nodiscard]] std::size_t messageBytes() const { return messageBytes_; }
+
 private:
     friend EntryStore;
 
@@ -70,6 +76,8 @@ private:
     };
 
     std::vector<Seen> chunks_;
+    std::size_t count_ = 0;
+    std::size_t messageBytes_ = 0;
 };
 
 } // namespace quorvale::platform::log

@@ -74,7 +74,7 @@ void DisplayDate::compose() {
         const QTime clock(static_cast<int>(minuteOfDay / 60), static_cast<int>(minuteOfDay % 60));
         time = plain(locale_.toString(clock, timeFormat_));
     }
-    text_ = dayText_ + time;
+    text_.assign(dayText_).append(time);
 }
 
 } // namespace quorvale::ui::logs

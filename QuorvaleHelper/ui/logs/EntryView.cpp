@@ -250,7 +250,7 @@ BlockSums EntryView::estimatedHeights() const {
     const auto bytesPerLine = std::max(bytesPerPixel(segments_, font()) * textWidth(), 1.0);
     const auto lineHeight = static_cast<int>(std::ceil(QFontMetricsF(font()).height()));
     return {segments_.size(), [this, bytesPerLine, lineHeight](std::size_t segment) {
-                const auto lines = std::ceil(static_cast<double>(segments_[segment].size()) / bytesPerLine);
+                const auto lines = std::ceil(static_cast<double>(segments_.bytes(segment)) / bytesPerLine);
                 return std::max(static_cast<int>(lines), 1) * lineHeight;
             }};
 }

@@ -3,6 +3,7 @@
 #include "platform/log/Entry.hpp"
 
 #include <chrono>
+#include <cstddef>
 #include <expected>
 #include <functional>
 #include <string>
@@ -17,8 +18,12 @@ struct LogError {
 /// Reads back the log messages of the calling process. Main thread.
 class LogReader {
 public:
-    /// Calls its argument with each entry, oldest first, the same ones at each call.
-    using Entries = std::function<void(const std::function<void(const platform::log::Entry&)>&)>;
+    struct Entries {
+        std::size_t count;
+        std::size_t messageBytes; ///< of all messages together
+        /// Calls its argument with each entry, oldest first.
+        std::function<void(const std::function<void(const platform::log::Entry&)>&)> walk;
+    };
 
     virtual ~LogReader() = default;
 

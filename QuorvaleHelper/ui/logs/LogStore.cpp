@@ -58,20 +58,14 @@ std::expected<LogLines, LogError> LogStore::read() const {
         return std::unexpected(std::move(entries).error());
     }
 
-    // Counted first: a text that grows as it is filled takes up to three times its memory on the way.
+    // A text that grows as it is filled would take up to three times its memory on the way. Room that stays unused
+    // takes none.
+    constexpr std::size_t dateAndCategory = 64;
+    LogLines lines;
+    lines.reserve(entries->count, entries->messageBytes + entries->count * dateAndCategory);
     Filter filter(collaborators_.subsystems);
     auto date = collaborators_.displayDate();
-    std::size_t count = 0;
-    std::size_t bytes = 0;
-    (*entries)([&](const Entry& entry) {
-        if (filter.passes(entry)) {
-            ++count;
-            bytes += 1 + date.text(entry.date).size() + filter.category().size() + entry.composedMessage.size();
-        }
-    });
-    LogLines lines;
-    lines.reserve(count, bytes);
-    (*entries)([&](const Entry& entry) {
+    entries->walk([&](const Entry& entry) {
         if (filter.passes(entry)) {
             lines.append({"[", date.text(entry.date), filter.category(), entry.composedMessage});
         }

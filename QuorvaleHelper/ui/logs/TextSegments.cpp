@@ -29,6 +29,8 @@ std::size_t firstPiece(std::string_view line) {
 } // namespace
 
 TextSegments::TextSegments(std::string_view text) : text_(text) {
+    // For lines of usual length; room that stays unused takes no memory.
+    starts_.reserve(text.size() / 64 + 1);
     std::size_t start = 0;
     while (true) {
         starts_.push_back(start);
@@ -46,9 +48,11 @@ TextSegments::TextSegments(std::string_view text) : text_(text) {
 }
 
 std::string_view TextSegments::operator[](std::size_t index) const {
-    const auto isLast = index + 1 == starts_.size();
-    const auto end = isLast ? text_.size() : starts_[index + 1] - (endsLine(index) ? 1 : 0);
-    return text_.substr(starts_[index], end - starts_[index]);
+    return text_.substr(starts_[index], bytes(index) - (endsLine(index) ? 1 : 0));
+}
+
+std::size_t TextSegments::bytes(std::size_t index) const {
+    return (index + 1 == starts_.size() ? text_.size() : starts_[index + 1]) - starts_[index];
 }
 
 bool TextSegments::endsLine(std::size_t index) const {

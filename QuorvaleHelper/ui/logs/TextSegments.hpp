@@ -22,6 +22,9 @@ public:
     /// The bytes of a piece, without a line feed.
     [[nodiscard]] std::string_view operator[](std::size_t index) const;
 
+    /// How many bytes that is, or one more if a line feed follows. Quicker to tell.
+    [[nodiscard]] std::size_t bytes(std::size_t index) const;
+
     /// Whether a line feed follows the piece.
     [[nodiscard]] bool endsLine(std::size_t index) const;
 

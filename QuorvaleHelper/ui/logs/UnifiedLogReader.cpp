@@ -1,5 +1,7 @@
 #include "ui/logs/UnifiedLogReader.hpp"
 
+#include <utility>
+
 namespace quorvale::ui::logs {
 
 std::expected<void, LogError> UnifiedLogReader::open() {
@@ -9,7 +11,10 @@ std::expected<void, LogError> UnifiedLogReader::open() {
 // A process starts after its machine, so any position near the boot is the store's beginning.
 std::expected<LogReader::Entries, LogError>
 UnifiedLogReader::entries(std::chrono::duration<double> /*sinceLatestBoot*/) {
-    return [snapshot = store_.snapshot()](const auto& visit) { snapshot.walk(visit); };
+    auto snapshot = store_.snapshot();
+    return Entries{.count = snapshot.count(),
+                   .messageBytes = snapshot.messageBytes(),
+                   .walk = [snapshot = std::move(snapshot)](const auto& visit) { snapshot.walk(visit); }};
 }
 
 } // namespace quorvale::ui::logs
