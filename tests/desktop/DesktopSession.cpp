@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdlib>
+#include <map>
 #include <sstream>
 
 namespace quorvale::tests {
@@ -78,8 +80,9 @@ QPoint DesktopSession::icon() const {
     return {x, y};
 }
 
-void DesktopSession::click(QPoint place) const {
-    run({"xdotool", "mousemove", std::to_string(place.x()), std::to_string(place.y()), "click", "1"});
+void DesktopSession::click(QPoint place, Button button) const {
+    run({"xdotool", "mousemove", std::to_string(place.x()), std::to_string(place.y()), "click",
+         std::to_string(static_cast<int>(button))});
 }
 
 void DesktopSession::press(const std::string& key) const {
@@ -90,6 +93,26 @@ QImage DesktopSession::screenshot() const {
     const auto file = directory_.filePath(QStringLiteral("screen.png")).toStdString();
     run({script, "screenshot", file});
     return QImage(QString::fromStdString(file)).convertToFormat(QImage::Format_RGB32);
+}
+
+QRect DesktopSession::window(const std::string& title) const {
+    std::istringstream windows(run({"sh", "-c", "xdotool search --onlyvisible --name \"^$0$\" || true", title}));
+    std::string id;
+    std::string other;
+    if (!(windows >> id) || windows >> other) {
+        return {};
+    }
+    // It may close before it is asked about.
+    std::istringstream lines(run({"sh", "-c", "xwininfo -id $0 || true", id}));
+    std::map<std::string, int> geometry;
+    for (std::string line; std::getline(lines, line);) {
+        const auto colon = line.find(": ");
+        if (colon != std::string::npos) {
+            geometry[line.substr(2, colon - 2)] = std::atoi(line.c_str() + colon + 2);
+        }
+    }
+    return {geometry["Absolute upper-left X"], geometry["Absolute upper-left Y"], geometry["Width"],
+            geometry["Height"]};
 }
 
 QRect DesktopSession::waitForArea(const QColor& color) const {

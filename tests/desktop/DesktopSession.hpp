@@ -34,10 +34,14 @@ public:
 
     /// Waits for the icon in the panel: its centre, in pixels of the screen.
     [[nodiscard]] QPoint icon() const;
-    void click(QPoint place) const;
+    enum class Button { left = 1, right = 3 };
+    void click(QPoint place, Button button = Button::left) const;
     void press(const std::string& key) const;
 
     [[nodiscard]] QImage screenshot() const;
+
+    /// Where the one visible window with that title is; empty if there is none or more than one.
+    [[nodiscard]] QRect window(const std::string& title) const;
 
     /// Waits until the screen shows a single filled area of `color`, and gives its bounds; empty if none comes.
     /// Anything painted over the area, such as a text, counts as part of it.

@@ -91,6 +91,7 @@ EntryView::EntryView(Items items, QWidget* parent)
     setFocusPolicy(Qt::StrongFocus);
     viewport()->setBackgroundRole(QPalette::Base);
     viewport()->setForegroundRole(QPalette::Text);
+    verticalScrollBar()->parentWidget()->installEventFilter(this);
     layOutAgain();
 }
 
@@ -142,9 +143,16 @@ bool EntryView::event(QEvent* event) {
     const auto taken = QAbstractScrollArea::event(event);
     if (event->type() == QEvent::Resize) {
         outline_->setGeometry(rect());
-        outline_->raise();
     }
     return taken;
+}
+
+bool EntryView::eventFilter(QObject* watched, QEvent* event) {
+    // The base class raises the scroll bar each time it lays it out.
+    if (event->type() == QEvent::ZOrderChange && watched == verticalScrollBar()->parentWidget()) {
+        outline_->raise();
+    }
+    return QAbstractScrollArea::eventFilter(watched, event);
 }
 
 void EntryView::paintEvent(QPaintEvent* /*event*/) {
@@ -269,8 +277,10 @@ void EntryView::updateScrollBar() {
     auto& bar = *verticalScrollBar();
     const QScopedValueRollback byUs(isFollowing_, true);
     bar.setRange(0, static_cast<int>((beyond + pixelsPerValue_ - 1) / pixelsPerValue_));
-    bar.setPageStep(static_cast<int>(textHeight() / pixelsPerValue_) + 1);
-    bar.setSingleStep(std::max(static_cast<int>(QFontMetrics(font()).height() / pixelsPerValue_), 1));
+    // A page leaves a line of what was seen before.
+    const auto line = QFontMetrics(font()).height();
+    bar.setPageStep(std::max(static_cast<int>((textHeight() - line) / pixelsPerValue_), 1));
+    bar.setSingleStep(std::max(static_cast<int>(line / pixelsPerValue_), 1));
 }
 
 void EntryView::moveBy(std::int64_t pixels) {

@@ -3,6 +3,7 @@
 #include "SessionBus.hpp"
 
 #include <QDBusArgument>
+#include <QDBusObjectPath>
 #include <QDBusVariant>
 
 #include <vector>
@@ -86,12 +87,9 @@ protected:
     }
 
     SessionBus session;
-    StatusNotifierItem item{session.program,
-                            {QStringLiteral("com.quorvale.QuorvaleHelper"),
-                             QStringLiteral("Quorvale Helper"),
-                             icon(),
-                             {{QStringLiteral("Log_1"), [this] { ++opened; }}}}};
-    int opened = 0;
+    StatusNotifierItem item{
+        session.program,
+        {QStringLiteral("com.quorvale.QuorvaleHelper"), QStringLiteral("Quorvale Helper"), icon(), {}}};
 };
 
 TEST_F(StatusNotifierItemTest, TellsPanelsWhatItIs) {
@@ -102,6 +100,7 @@ TEST_F(StatusNotifierItemTest, TellsPanelsWhatItIs) {
     EXPECT_EQ(property("Status"), QStringLiteral("Active"));
     EXPECT_EQ(property("IconAccessibleDesc"), QStringLiteral("Quorvale Helper: Protected"));
     EXPECT_EQ(property("ItemIsMenu"), false);
+    EXPECT_EQ(property("Menu").value<QDBusObjectPath>().path(), DBusMenu::path);
 
     const auto toolTip = property("ToolTip").value<QDBusArgument>();
     ASSERT_EQ(toolTip.currentSignature(), QStringLiteral("(sa(iiay)ss)"));

@@ -1,0 +1,120 @@
+#include "desktop/DesktopSession.hpp"
+
+#include <gtest/gtest.h>
+
+namespace quorvale {
+
+namespace {
+
+using tests::DesktopSession;
+using tests::HelperProcess;
+using tests::waitUntil;
+
+struct Desktop {
+    std::vector<std::string> options;
+    int scale;
+};
+
+class LogWindowTest : public testing::TestWithParam<Desktop> {
+protected:
+    QRect waitForWindow() const {
+        QRect window;
+        EXPECT_TRUE(waitUntil([&] { return !(window = session.window("Log")).isEmpty(); })) << "no log window";
+        return window;
+    }
+
+    [[nodiscard]] bool waitForNoWindow() const {
+        return waitUntil([&] { return session.window("Log").isEmpty(); });
+    }
+
+    /// The list in a window, without its rounded edge.
+    [[nodiscard]] QImage list(const QRect& window) const {
+        const auto edge = 26 * GetParam().scale;
+        const auto footer = 72 * GetParam().scale;
+        return session.screenshot().copy(window.adjusted(edge, edge, -edge, -footer));
+    }
+
+    /// How far down the list is written on.
+    [[nodiscard]] int written(const QRect& window) const {
+        const auto image = list(window);
+        const auto paper = image.pixel(image.width() - 1, image.height() - 1);
+        for (int y = image.height() - 1; y >= 0; --y) {
+            for (int x = 0; x < image.width(); ++x) {
+                if (image.pixel(x, y) != paper) {
+                    return y;
+                }
+            }
+        }
+        return 0;
+    }
+
+    void openFromTheIcon() const {
+        session.click(session.icon(), DesktopSession::Button::right);
+        // The menu takes a moment to come, and keys before that go elsewhere.
+        EXPECT_TRUE(waitUntil([&] {
+            session.press("Down");
+            session.press("Return");
+            return !session.window("Log").isEmpty();
+        }));
+    }
+
+    DesktopSession session{GetParam().options};
+    HelperProcess helper{session.environment()};
+};
+
+} // namespace
+
+TEST_P(LogWindowTest, OpensFromTheIconScrollsClosesAndOpensAgainWithWhatCameSince) {
+    ASSERT_TRUE(helper.logs("info Quorvale Helper launched"));
+    openFromTheIcon();
+    auto window = waitForWindow();
+    EXPECT_EQ(window.size(), QSize(720, 480) * GetParam().scale);
+    int before = 0;
+    ASSERT_TRUE(waitUntil([&] { return (before = written(window)) > 0; }));
+
+    const auto done = [&] {
+        const auto scale = GetParam().scale;
+        session.click(window.bottomRight() - QPoint(40, 30) * scale);
+        return waitForNoWindow();
+    };
+    helper.notify(R"({"running":true,"restart":false,"terminate":false})");
+    ASSERT_TRUE(helper.logs("info Received notification: true"));
+    EXPECT_EQ(written(window), before) << "nothing is read again while it is open";
+    EXPECT_TRUE(done());
+
+    const auto action = [&] {
+        session.run({"gdbus", "call", "--session", "--dest", "com.quorvale.QuorvaleHelper", "--object-path",
+                     "/com/quorvale/QuorvaleHelper", "--method", "org.freedesktop.Application.ActivateAction",
+                     "log-viewer", "[]", "{}"});
+    };
+    action();
+    window = waitForWindow();
+    EXPECT_TRUE(waitUntil([&] { return written(window) > before; }));
+    action();
+    EXPECT_EQ(session.window("Log"), window) << "still one";
+    session.press("Escape");
+    EXPECT_TRUE(waitForNoWindow());
+
+    for (int line = 0; line < 60; ++line) {
+        helper.notify(R"({"running":true,"restart":false,"terminate":false})");
+    }
+    action();
+    window = waitForWindow();
+    ASSERT_TRUE(waitUntil([&] { return written(window) > list(window).height() * 9 / 10; }));
+    const auto top = list(window);
+    session.press("End");
+    EXPECT_TRUE(waitUntil([&] { return list(window) != top; }));
+    session.press("Home");
+    EXPECT_TRUE(waitUntil([&] { return list(window) == top; }));
+    session.run({"xdotool", "mousemove", std::to_string(window.center().x()), std::to_string(window.center().y()),
+                 "click", "5"});
+    EXPECT_TRUE(waitUntil([&] { return list(window) != top; })) << "the wheel";
+    EXPECT_TRUE(done());
+    EXPECT_TRUE(helper.process().running());
+}
+
+INSTANTIATE_TEST_SUITE_P(Desktops, LogWindowTest,
+                         testing::Values(Desktop{{"--theme", "light"}, 1},
+                                         Desktop{{"--theme", "dark", "--scale", "2", "--size", "2560x1600"}, 2}));
+
+} // namespace quorvale

@@ -1,0 +1,211 @@
+#include "ui/logs/EntryView.hpp"
+
+#include "ui/logs/displayText.hpp"
+
+#include <QAccessible>
+#include <QScrollBar>
+#include <QTest>
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace quorvale::ui::logs {
+
+namespace {
+
+constexpr int padding = 8;
+
+EntryView::Items itemsOf(std::string text) {
+    return {std::make_shared<const std::string>(std::move(text))};
+}
+
+std::string numbered(int lines) {
+    std::string text;
+    for (int line = 0; line < lines; ++line) {
+        // Every seventh is long enough to wrap, so that heights differ.
+        text += (line == 0 ? "" : "\n") + std::to_string(line) + (line % 7 == 0 ? std::string(300, 'm') : " short");
+    }
+    return text;
+}
+
+/// A view as it is on the screen.
+std::unique_ptr<EntryView> shown(std::string text) {
+    auto view = std::make_unique<EntryView>(itemsOf(std::move(text)));
+    view->resize(400, 300);
+    view->show();
+    EXPECT_TRUE(QTest::qWaitForWindowExposed(view.get()));
+    QCoreApplication::sendPostedEvents();
+    return view;
+}
+
+int topOf(EntryView& view, std::size_t segment) {
+    return view.rectOf({segment, 0}).top();
+}
+
+int bottomOfLast(EntryView& view) {
+    const auto last = view.segments().size() - 1;
+    return view.rectOf({last, static_cast<int>(displayText(view.segments()[last]).size())}).bottom() + 1;
+}
+
+} // namespace
+
+TEST(TextSegmentsTest, CutsLinesAndLongLinesWithoutLosingAByte) {
+    constexpr auto longest = TextSegments::longest;
+    const std::string words = [] {
+        std::string text;
+        while (text.size() < 3 * longest) {
+            text += "seven ch ";
+        }
+        return text;
+    }();
+    for (const auto& [text, count] : std::initializer_list<std::pair<std::string, std::size_t>>{
+             {"", 1},
+             {"\n", 2},
+             {"a\nb", 2},
+             {"a\n\nb\n", 4},
+             {std::string(longest, 'x'), 1},
+             {std::string(longest, 'x') + "\n", 2},
+             {std::string(longest + 1, 'x') + "\ny", 3},
+             {words, 4},
+             {std::string(1 << 20, '\xBF'), (1 << 20) / longest},
+         }) {
+        const TextSegments segments(text);
+        EXPECT_EQ(segments.size(), count) << text.substr(0, 20);
+        std::string joined;
+        for (std::size_t i = 0; i < segments.size(); ++i) {
+            EXPECT_LE(segments[i].size(), longest);
+            EXPECT_EQ(segments.bytes(i), segments[i].size() + (segments.endsLine(i) ? 1 : 0));
+            joined.append(segments[i]).append(segments.endsLine(i) ? "\n" : "");
+        }
+        EXPECT_EQ(joined, text);
+    }
+    EXPECT_EQ(TextSegments(words)[0].back(), ' ');
+    std::string euros = "x";
+    while (euros.size() < 3 * longest) {
+        euros += "\u20AC";
+    }
+    EXPECT_EQ(TextSegments(euros)[1].substr(0, 3), "\u20AC") << "cut between characters";
+}
+
+TEST(DisplayTextTest, HidesNothingAndMovesNothing) {
+    for (const auto& [bytes, shown] : std::initializer_list<std::pair<std::string_view, QString>>{
+             {"<b>bold</b> &amp;", QStringLiteral("<b>bold</b> &amp;")},
+             {{"\0\x1B[31m\r\x7F\t|", 10}, QStringLiteral("\u2400\u241B[31m\u240D\u2421\t|")},
+             {"a\u202Eb\u2066c\u200Fd\u061C", QStringLiteral("a\uFFFDb\uFFFDc\uFFFDd\uFFFD")},
+             {"a\u2028b\u2029c\u0085d\uFFFC", QStringLiteral("a\uFFFDb\uFFFDc\uFFFDd\uFFFD")},
+             {"\xFF\xC3(\xE2\x82", QStringLiteral("\uFFFD\uFFFD(\uFFFD\uFFFD")},
+             {"Gr\u00FC\u00DFe \u05E9\u05DC\u05D5\u05DD \U0001F512", QStringLiteral("Grüße שלום 🔒")},
+         }) {
+        EXPECT_EQ(displayText(bytes), shown) << bytes;
+    }
+}
+
+TEST(EntryViewTest, ReachesBothEndsExactlyAndMovesByPixelsBetween) {
+    // Laid out whole, and with estimated heights.
+    for (const int lines : {60, 20'000}) {
+        const auto owner = shown(numbered(lines));
+        auto& view = *owner;
+        auto& bar = *view.verticalScrollBar();
+        EXPECT_EQ(topOf(view, 0), padding);
+        EXPECT_EQ(bar.value(), bar.minimum());
+
+        QTest::keyClick(&view, Qt::Key_End);
+        EXPECT_EQ(bottomOfLast(view), view.viewport()->height() - padding) << lines;
+        EXPECT_EQ(bar.value(), bar.maximum());
+        const auto atEnd = view.firstVisible();
+        QTest::keyClick(&view, Qt::Key_Up);
+        EXPECT_EQ(bottomOfLast(view), view.viewport()->height() - padding + bar.singleStep());
+
+        QTest::keyClick(&view, Qt::Key_Home);
+        QTest::keyClick(&view, Qt::Key_Down);
+        EXPECT_EQ(topOf(view, 0), padding - bar.singleStep());
+
+        // Pages overlap, leave nothing out, and come to the end.
+        auto previous = view.firstVisible();
+        for (int page = 0; bar.value() != bar.maximum() && page < lines; ++page) {
+            const auto lastSeen = view.positionAt({0, view.viewport()->height() - padding}).segment;
+            QTest::keyClick(&view, Qt::Key_PageDown);
+            ASSERT_LE(view.firstVisible(), lastSeen);
+            ASSERT_GE(view.firstVisible(), previous);
+            previous = view.firstVisible();
+        }
+        EXPECT_EQ(view.firstVisible(), atEnd);
+
+        // Dragged to the middle, the bar shows the middle, and stays there when the window's width changes.
+        bar.setValue(bar.maximum() / 2);
+        EXPECT_NEAR(static_cast<double>(view.firstVisible()), lines / 2.0, lines / 8.0);
+        const auto middle = view.firstVisible();
+        view.resize(250, 300);
+        QCoreApplication::sendPostedEvents();
+        EXPECT_EQ(view.firstVisible(), middle);
+    }
+}
+
+TEST(EntryViewTest, ShowsNoScrollBarForWhatFitsAndBeginsNewTextAtItsStart) {
+    const auto owner = shown("one line");
+    auto& view = *owner;
+    EXPECT_FALSE(view.verticalScrollBar()->isVisible());
+    view.setItems(itemsOf(numbered(1000)));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return view.verticalScrollBar()->isVisible(); }));
+    QTest::keyClick(&view, Qt::Key_End);
+    view.setItems(itemsOf(numbered(2000)));
+    EXPECT_EQ(topOf(view, 0), padding);
+    view.setItems(itemsOf(""));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !view.verticalScrollBar()->isVisible(); }));
+}
+
+TEST(EntryViewTest, HasRoundCornersWithTheTextInside) {
+    QPalette palette;
+    palette.setColor(QPalette::Window, Qt::red);
+    palette.setColor(QPalette::Base, Qt::blue);
+    palette.setColor(QPalette::Text, Qt::green);
+    const auto owner = shown(std::string(5000, 'W'));
+    auto& view = *owner;
+    view.setPalette(palette);
+    const auto image = view.grab().toImage();
+    for (const auto corner : {QPoint(0, 0), QPoint(399, 0), QPoint(0, 299), QPoint(399, 299)}) {
+        EXPECT_EQ(image.pixelColor(corner), QColor(Qt::red)) << corner.x() << " " << corner.y();
+        const auto inside = corner + QPoint(corner.x() == 0 ? 4 : -4, corner.y() == 0 ? 4 : -4);
+        EXPECT_NE(image.pixelColor(inside), QColor(Qt::red));
+    }
+    EXPECT_EQ(image.pixelColor(4, 150), QColor(Qt::blue));
+}
+
+TEST(EntryViewTest, GivesScreenReadersTheRowAsText) {
+    const std::string text = "first\nsecond \U0001F512 word\n\n" + std::string(3000, 'x') + "\nlast";
+    const auto owner = shown(text);
+    auto& view = *owner;
+    auto* const list = QAccessible::queryAccessibleInterface(&view);
+    EXPECT_EQ(list->role(), QAccessible::List);
+    EXPECT_EQ(list->childCount(), 1);
+    auto& row = *list->child(0);
+    EXPECT_EQ(row.role(), QAccessible::ListItem);
+    EXPECT_TRUE(row.text(QAccessible::Name).startsWith(QStringLiteral("first\nsecond")));
+    auto& content = *row.textInterface();
+    const auto whole = QString::fromStdString(text);
+    EXPECT_EQ(content.characterCount(), whole.size());
+    EXPECT_EQ(content.text(0, -1), whole);
+    EXPECT_EQ(content.text(4, 9), whole.mid(4, 5));
+
+    int start = 0;
+    int end = 0;
+    const auto offset = static_cast<int>(whole.indexOf(QStringLiteral("ord")));
+    EXPECT_EQ(content.textAtOffset(offset, QAccessible::LineBoundary, &start, &end), whole.mid(6, 15));
+    EXPECT_EQ(std::pair(start, end), std::pair(6, 21));
+    EXPECT_EQ(content.textAtOffset(offset, QAccessible::WordBoundary, &start, &end), QStringLiteral("word"));
+    EXPECT_EQ(content.textBeforeOffset(offset, QAccessible::LineBoundary, &start, &end), QStringLiteral("first\n"));
+    EXPECT_EQ(content.textAfterOffset(offset, QAccessible::LineBoundary, &start, &end), QStringLiteral("\n"));
+    EXPECT_EQ(content.offsetAtPoint(content.characterRect(offset).center()), offset);
+
+    const auto last = static_cast<int>(whole.size()) - 2;
+    view.resize(400, 100);
+    EXPECT_TRUE(content.characterRect(last).isNull());
+    content.scrollToSubstring(last, last + 1);
+    EXPECT_FALSE(content.characterRect(last).isNull());
+    for (const int wrong : {-1, 1'000'000}) {
+        content.textAtOffset(wrong, QAccessible::CharBoundary, &start, &end);
+        EXPECT_LE(end, whole.size());
+    }
+}
+
+} // namespace quorvale::ui::logs

@@ -1,0 +1,114 @@
+#include "ui/logs/LogViewer.hpp"
+
+#include "support/RecordedLog.hpp"
+#include "support/waitUntil.hpp"
+#include "ui/logs/EntryView.hpp"
+
+#include <QPushButton>
+#include <QTest>
+#include <gtest/gtest.h>
+
+namespace quorvale::ui::logs {
+
+namespace {
+
+using platform::log::Entry;
+
+/// A log whose messages are given by the test.
+class GivenLog final : public LogReader {
+public:
+    std::expected<void, LogError> open() override {
+        ++reads;
+        return fails ? std::unexpected(LogError{"locked"}) : std::expected<void, LogError>();
+    }
+
+    std::expected<Entries, LogError> entries(std::chrono::duration<double> /*sinceLatestBoot*/) override {
+        return Entries{.count = messages.size(), .messageBytes = 0, .walk = [this](const auto& visit) {
+                           for (const auto& message : messages) {
+                               visit(Entry{{}, platform::log::Level::info, identity, message});
+                           }
+                       }};
+    }
+
+    platform::log::Identity identity{"own", "default"};
+    std::vector<std::string> messages{"first", "second"};
+    bool fails = false;
+    int reads = 0;
+};
+
+class LogViewerTest : public testing::Test {
+protected:
+    [[nodiscard]] EntryView& list() const { return *viewer.findChild<EntryView*>(); }
+
+    [[nodiscard]] QPushButton& done() const { return *viewer.findChild<QPushButton*>(); }
+
+    /// The list's text, the dates left out.
+    [[nodiscard]] std::string text() const {
+        auto text = *list().items().front();
+        for (auto date = text.find("[0"); date != std::string::npos; date = text.find("[0")) {
+            text.erase(date, text.find("] ", date) + 2 - date);
+        }
+        return text;
+    }
+
+    tests::RecordedLog log;
+    GivenLog* given = new GivenLog;
+    LogStore logs{{.subsystems = {"own", "", ""},
+                   .logger = log.logger(),
+                   .reader = std::unique_ptr<LogReader>(given),
+                   .displayDate = [] { return DisplayDate(QLocale(QStringLiteral("de_DE")), QTimeZone::utc()); }}};
+    platform::queue::MainQueue mainQueue;
+    int dismissals = 0;
+    LogViewer viewer{logs, mainQueue, [this] { ++dismissals; }};
+};
+
+} // namespace
+
+TEST_F(LogViewerTest, ReadsTheLogAtEachShowingAndNotWhileItIsOpen) {
+    EXPECT_EQ(given->reads, 0);
+    viewer.show();
+    EXPECT_EQ(text(), "") << "what is there is shown at once";
+    EXPECT_TRUE(tests::waitUntil([&] { return text() == "[default] first\n[default] second"; }));
+    given->messages.emplace_back("third");
+    QTest::mouseClick(&list(), Qt::LeftButton);
+    viewer.resize(900, 700);
+
+    viewer.hide();
+    viewer.show();
+    EXPECT_EQ(text(), "[default] first\n[default] second");
+    EXPECT_TRUE(tests::waitUntil([&] { return text() == "[default] first\n[default] second\n[default] third"; }));
+    EXPECT_EQ(given->reads, 2);
+
+    given->fails = true;
+    viewer.hide();
+    viewer.show();
+    EXPECT_TRUE(tests::waitUntil([&] { return log.count("error: locked") == 1; }));
+    EXPECT_EQ(text(), "[default] first\n[default] second\n[default] third") << "stays when the log can't be read";
+
+    viewer.hide();
+    viewer.show();
+    viewer.hide();
+    bool later = false;
+    mainQueue.async([&] { later = true; });
+    EXPECT_TRUE(tests::waitUntil([&] { return later; }));
+    EXPECT_EQ(given->reads, 3) << "not for a window that is gone";
+}
+
+TEST_F(LogViewerTest, KeepsTheListAndDoneInsideThePaddingAtEverySize) {
+    EXPECT_EQ(viewer.minimumSize(), QSize(500, 350));
+    for (const auto size : {QSize(500, 350), QSize(720, 480), QSize(1600, 1200)}) {
+        viewer.resize(size);
+        viewer.show();
+        const auto inside = QRect(QPoint(), size).adjusted(20, 20, -20, -20);
+        EXPECT_EQ(done().geometry().bottomRight(), inside.bottomRight());
+        EXPECT_LE(done().width(), 80);
+        EXPECT_EQ(list().geometry().topLeft(), inside.topLeft());
+        EXPECT_EQ(list().geometry().right(), inside.right());
+        EXPECT_EQ(done().geometry().top() - list().geometry().bottom() - 1, 20);
+    }
+    EXPECT_EQ(done().text(), QStringLiteral("Done"));
+    QTest::mouseClick(&done(), Qt::LeftButton);
+    EXPECT_EQ(dismissals, 1);
+}
+
+} // namespace quorvale::ui::logs
