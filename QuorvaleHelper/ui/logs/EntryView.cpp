@@ -92,7 +92,6 @@ EntryView::EntryView(Items items, QWidget* parent)
     viewport()->setBackgroundRole(QPalette::Base);
     viewport()->setForegroundRole(QPalette::Text);
     verticalScrollBar()->parentWidget()->installEventFilter(this);
-    layOutAgain();
 }
 
 void EntryView::setItems(Items items) {
@@ -255,11 +254,11 @@ BlockSums EntryView::exactHeights() {
 }
 
 BlockSums EntryView::estimatedHeights() const {
-    const auto bytesPerLine = std::max(bytesPerPixel(segments_, font()) * textWidth(), 1.0);
+    const auto linesPerByte = 1 / std::max(bytesPerPixel(segments_, font()) * textWidth(), 1.0);
     const auto lineHeight = static_cast<int>(std::ceil(QFontMetricsF(font()).height()));
-    return {segments_.size(), [this, bytesPerLine, lineHeight](std::size_t segment) {
-                const auto lines = std::ceil(static_cast<double>(segments_.bytes(segment)) / bytesPerLine);
-                return std::max(static_cast<int>(lines), 1) * lineHeight;
+    return {segments_.size(), [this, linesPerByte, lineHeight](std::size_t segment) {
+                const auto fullLines = static_cast<double>(segments_.bytes(segment)) * linesPerByte;
+                return (static_cast<int>(fullLines) + 1) * lineHeight;
             }};
 }
 
