@@ -73,6 +73,9 @@ void QuorvaleHelperApp::main(int argc, char** argv) {
     case Instance::noSessionBus:
         logger().error("Failed to start: there is no session bus");
         application.terminate(EXIT_FAILURE);
+    case Instance::nameRefused:
+        logger().error("Failed to start: the session bus refuses the name, and no other instance answers");
+        application.terminate(EXIT_FAILURE);
     }
     QuorvaleHelperApp helper(application);
     helper.makeLogWindow();
