@@ -121,6 +121,18 @@ TEST_F(QuorvaleHelperAppTest, EndsWithAnErrorWhereItMayNotHaveItsName) {
                 ElementsAre("error Failed to start: the session bus refuses the name, and no other instance answers"));
 }
 
+TEST_F(QuorvaleHelperAppTest, TakesNoArgumentsButTheToolkits) {
+    const std::vector<std::string> toolkits{"-platform", "offscreen", "-style", "fusion", "-session", "1_2"};
+    auto oneMore = toolkits;
+    oneMore.emplace_back("--help");
+    HelperProcess refused(systemBus_, sessionBus_, oneMore);
+    EXPECT_EQ(refused.process().waitForExit(), (Process::Exit{.code = 2}));
+    EXPECT_THAT(refused.process().lines(), testing::Contains("QuorvaleHelper: unknown argument: --help"));
+
+    HelperProcess helper(systemBus_, sessionBus_, toolkits);
+    EXPECT_TRUE(helper.logs("info Quorvale Helper launched"));
+}
+
 TEST_F(QuorvaleHelperAppTest, RunsOnAfterNotificationsThatItCannotTake) {
     HelperProcess helper(systemBus_, sessionBus_);
     ASSERT_TRUE(helper.logs("info Quorvale Helper launched"));
