@@ -16,6 +16,7 @@
 #include <QDBusConnection>
 #include <QGuiApplication>
 
+#include <cstdio>
 #include <cstdlib>
 #include <string>
 #include <utility>
@@ -34,6 +35,7 @@ using platform::queue::MainQueue;
 using ui::logs::LogStore;
 using ui::menu::ProtectedLook;
 
+constexpr int usageError = 2;
 constexpr double iconSize = 18;
 constexpr auto title = "Quorvale Helper";
 constexpr auto logWindowIdentifier = "log-viewer";
@@ -65,6 +67,11 @@ std::shared_ptr<LogStore> logStore() {
 
 void QuorvaleHelperApp::main(int argc, char** argv) {
     Application application(argc, argv, identifier());
+    // What is the toolkit's has been taken out.
+    if (argc > 1) {
+        std::fprintf(stderr, "QuorvaleHelper: unknown argument: %s\n", argv[1]);
+        application.terminate(usageError);
+    }
     switch (application.claimInstance()) {
     case Instance::first:
         break;
@@ -72,6 +79,9 @@ void QuorvaleHelperApp::main(int argc, char** argv) {
         application.terminate();
     case Instance::noSessionBus:
         logger().error("Failed to start: there is no session bus");
+        application.terminate(EXIT_FAILURE);
+    case Instance::nameRefused:
+        logger().error("Failed to start: the session bus refuses the name, and no other instance answers");
         application.terminate(EXIT_FAILURE);
     }
     QuorvaleHelperApp helper(application);

@@ -21,7 +21,8 @@ using OpenWindowAction = std::function<void(std::string_view identifier)>;
 /// The menu-bar application: the objects that live as long as the process, and the scenes that show them. Main thread.
 class QuorvaleHelperApp {
 public:
-    /// Runs the application. A second one in the same session activates the first and ends at once.
+    /// Runs the application. A second one in the same session activates the first and ends at once. It takes no
+    /// arguments but the toolkit's; any other ends the process with status 2.
     [[noreturn]] static void main(int argc, char** argv);
 
     /// Runs the start-up sequence.

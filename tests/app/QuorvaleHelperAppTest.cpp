@@ -1,6 +1,10 @@
 #include "support/AgentProcess.hpp"
 #include "support/HelperProcess.hpp"
 
+#include <QDBusArgument>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusVirtualObject>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -14,6 +18,19 @@ using testing::ElementsAre;
 using testing::StartsWith;
 using tests::HelperProcess;
 using tests::Process;
+
+/// Answers as an instance that runs.
+class FirstInstance final : public QDBusVirtualObject {
+public:
+    [[nodiscard]] QString introspect(const QString& /*path*/) const override { return {}; }
+
+    bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
+        call = message;
+        return connection.send(message.createReply());
+    }
+
+    QDBusMessage call;
+};
 
 /// The helper as it is installed, on buses of its own.
 class QuorvaleHelperAppTest : public testing::Test {
@@ -78,6 +95,42 @@ TEST_F(QuorvaleHelperAppTest, RunsOnceInASession) {
     EXPECT_EQ(second.process().waitForExit(), (Process::Exit{.code = EXIT_SUCCESS}));
     EXPECT_THAT(second.log(), testing::IsEmpty());
     EXPECT_TRUE(helper.process().running());
+}
+
+TEST_F(QuorvaleHelperAppTest, PassesItsLeaveToTakeTheFocusOnToTheOneThatRuns) {
+    auto bus = QDBusConnection::connectToBus(QString::fromStdString(sessionBus_.address()), QStringLiteral("first"));
+    FirstInstance first;
+    ASSERT_TRUE(bus.registerVirtualObject(QStringLiteral("/com/quorvale/QuorvaleHelper"), &first));
+    ASSERT_TRUE(bus.registerService(QStringLiteral("com.quorvale.QuorvaleHelper")));
+    HelperProcess second({{"DBUS_SESSION_BUS_ADDRESS", sessionBus_.address()},
+                          {"QT_QPA_PLATFORM", "offscreen"},
+                          {"XDG_ACTIVATION_TOKEN", "token-1"}});
+    EXPECT_EQ(second.process().waitForExit(), (Process::Exit{.code = EXIT_SUCCESS}));
+    EXPECT_EQ(first.call.interface(), QStringLiteral("org.freedesktop.Application"));
+    EXPECT_EQ(first.call.member(), QStringLiteral("Activate"));
+    EXPECT_EQ(qdbus_cast<QVariantMap>(first.call.arguments().value(0)),
+              (QVariantMap{{QStringLiteral("activation-token"), QStringLiteral("token-1")}}));
+    QDBusConnection::disconnectFromBus(QStringLiteral("first"));
+}
+
+TEST_F(QuorvaleHelperAppTest, EndsWithAnErrorWhereItMayNotHaveItsName) {
+    const tests::PrivateBus strictBus({.unownableName = "com.quorvale.QuorvaleHelper"});
+    HelperProcess helper(systemBus_, strictBus);
+    EXPECT_EQ(helper.process().waitForExit(), (Process::Exit{.code = EXIT_FAILURE}));
+    EXPECT_THAT(helper.log(),
+                ElementsAre("error Failed to start: the session bus refuses the name, and no other instance answers"));
+}
+
+TEST_F(QuorvaleHelperAppTest, TakesNoArgumentsButTheToolkits) {
+    const std::vector<std::string> toolkits{"-platform", "offscreen", "-style", "fusion", "-session", "1_2"};
+    auto oneMore = toolkits;
+    oneMore.emplace_back("--help");
+    HelperProcess refused(systemBus_, sessionBus_, oneMore);
+    EXPECT_EQ(refused.process().waitForExit(), (Process::Exit{.code = 2}));
+    EXPECT_THAT(refused.process().lines(), testing::Contains("QuorvaleHelper: unknown argument: --help"));
+
+    HelperProcess helper(systemBus_, sessionBus_, toolkits);
+    EXPECT_TRUE(helper.logs("info Quorvale Helper launched"));
 }
 
 TEST_F(QuorvaleHelperAppTest, RunsOnAfterNotificationsThatItCannotTake) {

@@ -16,17 +16,24 @@ std::string quoted(std::string_view text) {
     return result + "'";
 }
 
+std::vector<std::string> withHelper(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), QUORVALE_STAGED_HELPER);
+    return arguments;
+}
+
 } // namespace
 
-HelperProcess::HelperProcess(const PrivateBus& systemBus, const PrivateBus& sessionBus)
+HelperProcess::HelperProcess(const PrivateBus& systemBus, const PrivateBus& sessionBus,
+                             const std::vector<std::string>& arguments)
     : HelperProcess(Environment{{"DBUS_SYSTEM_BUS_ADDRESS", systemBus.address()},
                                 {"DBUS_SESSION_BUS_ADDRESS", sessionBus.address()},
-                                {"QT_QPA_PLATFORM", "offscreen"}}) {}
+                                {"QT_QPA_PLATFORM", "offscreen"}},
+                    arguments) {}
 
-HelperProcess::HelperProcess(const Environment& environment)
+HelperProcess::HelperProcess(const Environment& environment, const std::vector<std::string>& arguments)
     : environment_(environment),
       process_({.program = QUORVALE_SCRIPTS "/without_journal",
-                .arguments = {QUORVALE_STAGED_HELPER},
+                .arguments = withHelper(arguments),
                 .environment = environment,
                 .errorOutput = Process::ErrorOutput::Merged}) {}
 

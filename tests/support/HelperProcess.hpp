@@ -17,10 +17,11 @@ public:
     using Environment = std::map<std::string, std::optional<std::string>>;
 
     /// On private buses and without a screen.
-    HelperProcess(const PrivateBus& systemBus, const PrivateBus& sessionBus);
+    HelperProcess(const PrivateBus& systemBus, const PrivateBus& sessionBus,
+                  const std::vector<std::string>& arguments = {});
 
     /// In the test program's session, changed by `environment`.
-    explicit HelperProcess(const Environment& environment);
+    explicit HelperProcess(const Environment& environment, const std::vector<std::string>& arguments = {});
 
     /// Waits until the helper has written a line that ends with "LEVEL TEXT".
     bool logs(std::string_view levelAndText);

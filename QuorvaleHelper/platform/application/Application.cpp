@@ -43,6 +43,7 @@ QString objectPath(const QString& identifier) {
 }
 
 constexpr auto interfaceName = "org.freedesktop.Application";
+const auto activationToken = QStringLiteral("activation-token");
 
 } // namespace
 
@@ -74,9 +75,14 @@ public:
         }
         auto activate = QDBusMessage::createMethodCall(identifier_, objectPath(identifier_),
                                                        QLatin1String(interfaceName), QStringLiteral("Activate"));
-        activate << QVariantMap();
-        bus.call(activate);
-        return Instance::anotherRuns;
+        // Where nobody has the name, the bus would start one more that can't have it either.
+        activate.setAutoStartService(false);
+        QVariantMap platformData;
+        if (const auto token = qEnvironmentVariable("XDG_ACTIVATION_TOKEN"); !token.isEmpty()) {
+            platformData.insert(activationToken, token);
+        }
+        activate << platformData;
+        return bus.call(activate).type() == QDBusMessage::ErrorMessage ? Instance::nameRefused : Instance::anotherRuns;
     }
 
     [[noreturn]] void run() {
@@ -134,7 +140,7 @@ private Q_SLOTS:
 
 private:
     static desktop::ActivationToken tokenIn(const QVariantMap& platformData) {
-        return desktop::ActivationToken(platformData.value(QStringLiteral("activation-token")).toString());
+        return desktop::ActivationToken(platformData.value(activationToken).toString());
     }
 
     void watchSignals() {

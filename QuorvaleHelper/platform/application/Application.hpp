@@ -15,7 +15,13 @@ public:
 };
 
 /// Whether this process is the one instance of its session.
-enum class Instance { first, anotherRuns, noSessionBus };
+enum class Instance {
+    first,
+    anotherRuns,
+    noSessionBus,
+    /// The session bus refuses the identifier as a name, and no other instance answers.
+    nameRefused,
+};
 
 /// The graphical application: event loop, single instance, termination. One a process, made first, on the main thread.
 ///
@@ -31,7 +37,8 @@ public:
     Application(const Application&) = delete;
     Application& operator=(const Application&) = delete;
 
-    /// Takes the session's one place, or asks whoever has it to activate.
+    /// Takes the session's one place, or asks whoever has it to activate, for which the desktop's leave to take the
+    /// focus is passed on.
     Instance claimInstance();
 
     /// `handler` runs when another process activates this one.

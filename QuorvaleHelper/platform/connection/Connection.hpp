@@ -75,7 +75,8 @@ private:
 /// away.
 ///
 /// Configure it before `resume`. Every operation may be called from any thread and returns without waiting for the bus,
-/// except for `toService`. Dropping the last reference ends the connection silently.
+/// except for `toService`. Dropping the last reference, of its proxies too, ends the connection without the
+/// invalidation handler; messages without an answer fail.
 class Connection {
 public:
     /// A connection that is not started; none when the bus can't be reached.
@@ -108,7 +109,8 @@ public:
     /// Starts the connection; nothing is sent or received before.
     void resume();
 
-    /// Ends the connection. Messages without an answer fail, then the invalidation handler runs.
+    /// Ends the connection: no call is taken any more, messages without an answer fail, then the invalidation handler
+    /// runs.
     void invalidate();
 
     [[nodiscard]] Proxy remoteObjectProxyWithErrorHandler(ErrorHandler handler) const;

@@ -2,9 +2,12 @@
 
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
+#include <QDBusServiceWatcher>
 #include <QDBusVariant>
 #include <QGuiApplication>
 #include <QPalette>
+
+#include <limits>
 
 namespace quorvale::platform::desktop {
 
@@ -16,6 +19,8 @@ const auto portalInterface = QStringLiteral("org.freedesktop.portal.Settings");
 const auto appearance = QStringLiteral("org.freedesktop.appearance");
 const auto colorScheme = QStringLiteral("color-scheme");
 constexpr quint32 preferDark = 1;
+/// A portal that the question starts may be long in coming.
+constexpr int noTimeLimit = std::numeric_limits<int>::max();
 
 QPalette darkPalette() {
     // Qt derives the other colours, and light text, from these.
@@ -28,13 +33,21 @@ QPalette darkPalette() {
 } // namespace
 
 ColorSchemeFollower::ColorSchemeFollower(QDBusConnection bus, QObject* parent) : QObject(parent) {
+    auto* const owners = new QDBusServiceWatcher(portal, bus, QDBusServiceWatcher::WatchForOwnerChange, this);
+    connect(owners, &QDBusServiceWatcher::serviceOwnerChanged, this,
+            [this](const QString&, const QString&, const QString& owner) { owner_ = owner; });
+    // With a sender's name, QtDBus would wait for the bus to tell its owner; settingChanged() looks at the sender.
     bus.connect({}, portalPath, portalInterface, QStringLiteral("SettingChanged"), this,
                 SLOT(settingChanged(QDBusMessage)));
     auto message = QDBusMessage::createMethodCall(portal, portalPath, portalInterface, QStringLiteral("Read"));
     message << appearance << colorScheme;
-    auto* const watcher = new QDBusPendingCallWatcher(bus.asyncCall(message), this);
+    auto* const watcher = new QDBusPendingCallWatcher(bus.asyncCall(message, noTimeLimit), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher* done) {
         done->deleteLater();
+        // Whoever answers has the name, or is the bus, which says that nobody has.
+        if (owner_.isEmpty()) {
+            owner_ = done->reply().service();
+        }
         const QDBusPendingReply<QDBusVariant> reply = *done;
         // No portal and no preference are the same, and a change told meanwhile is newer.
         if (reply.isError() || told_) {
@@ -50,6 +63,10 @@ ColorSchemeFollower::ColorSchemeFollower(QDBusConnection bus, QObject* parent) :
 }
 
 void ColorSchemeFollower::settingChanged(const QDBusMessage& message) {
+    // Anybody can send such a signal, also to us alone.
+    if (message.service() != owner_) {
+        return;
+    }
     const auto arguments = message.arguments();
     if (arguments.size() == 3 && arguments[0] == appearance && arguments[1] == colorScheme) {
         told_ = true;

@@ -3,6 +3,7 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QObject>
+#include <QString>
 #include <QVariant>
 
 namespace quorvale::platform::desktop {
@@ -24,6 +25,8 @@ private Q_SLOTS:
 private:
     void apply(const QVariant& scheme);
 
+    /// The only one who is believed; empty while nobody is known to have the portal's name.
+    QString owner_;
     bool told_ = false;
     bool darkened_ = false;
 };

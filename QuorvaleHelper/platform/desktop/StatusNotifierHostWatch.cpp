@@ -99,12 +99,12 @@ void StatusNotifierHostWatch::askForHost() {
             return;
         }
         const auto value = reply.isError() ? QVariant() : reply.value().variant();
-        if (value.metaType() != QMetaType::fromType<bool>()) {
+        const bool isTold = value.metaType() == QMetaType::fromType<bool>();
+        if (!isTold) {
             const auto why = reply.isError() ? reply.error().message() : QStringLiteral("the answer is not a Boolean");
             Q_EMIT failed(QStringLiteral("Whether a panel shows status icons is not known: %1").arg(why));
-            return;
         }
-        setHost(value.toBool() ? Host::Present : Host::Absent);
+        setHost(isTold && value.toBool() ? Host::Present : Host::Absent);
     });
 }
 

@@ -19,6 +19,7 @@ public:
     enum class Host {
         /// A watcher is there and hasn't answered.
         Unknown,
+        /// There is no watcher, or it knows of no host, or it fails to tell.
         Absent,
         Present,
     };

@@ -2,7 +2,6 @@
 
 #include "platform/json/DecodingError.hpp"
 
-#include <cstdint>
 #include <expected>
 
 namespace quorvale::platform::json {
@@ -24,13 +23,6 @@ template <>
 struct Coding<bool> {
     static std::expected<bool, DecodingError> decode(const Decoder& decoder);
     static void encode(bool value, Encoder& encoder);
-};
-
-/// A whole JSON number (see `Decoder::integer`).
-template <>
-struct Coding<std::int64_t> {
-    static std::expected<std::int64_t, DecodingError> decode(const Decoder& decoder);
-    static void encode(std::int64_t value, Encoder& encoder);
 };
 
 } // namespace quorvale::platform::json

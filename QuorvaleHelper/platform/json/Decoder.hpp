@@ -163,8 +163,4 @@ inline std::expected<bool, DecodingError> Coding<bool>::decode(const Decoder& de
     return decoder.boolean();
 }
 
-inline std::expected<std::int64_t, DecodingError> Coding<std::int64_t>::decode(const Decoder& decoder) {
-    return decoder.integer();
-}
-
 } // namespace quorvale::platform::json

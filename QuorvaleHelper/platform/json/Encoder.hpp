@@ -15,7 +15,7 @@ class KeyedEncodingContainer;
 /// The place of one value in the text being written. A record writes exactly one value to it.
 class Encoder {
 public:
-    /// Writes an object. It ends where the container's life ends; of nested ones the inner must end first.
+    /// Writes an object. It ends where the container's life ends.
     template <CodingKeySet Key>
     KeyedEncodingContainer<Key> container() {
         return KeyedEncodingContainer<Key>(text_);
@@ -50,17 +50,8 @@ public:
         Coding<Value>::encode(value, member);
     }
 
-    /// An object under `key` with the members of another key set.
-    template <CodingKeySet Nested>
-    KeyedEncodingContainer<Nested> nestedContainer(Key key) {
-        begin(key);
-        return KeyedEncodingContainer<Nested>(text_);
-    }
-
 private:
     friend class Encoder;
-    template <CodingKeySet Other>
-    friend class KeyedEncodingContainer;
 
     explicit KeyedEncodingContainer(std::string& text) : text_(text) { text_ += '{'; }
 
@@ -78,10 +69,6 @@ private:
 
 inline void Coding<bool>::encode(bool value, Encoder& encoder) {
     encoder.boolean(value);
-}
-
-inline void Coding<std::int64_t>::encode(std::int64_t value, Encoder& encoder) {
-    encoder.integer(value);
 }
 
 } // namespace quorvale::platform::json

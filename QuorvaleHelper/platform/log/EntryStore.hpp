@@ -13,10 +13,11 @@ namespace quorvale::platform::log {
 
 /// This process's log messages, kept in memory for reading back: the newest ones, within a budget of bytes.
 ///
-/// Entries lie one behind the other in chunks that are never changed below what is written, and the oldest chunk
-/// is dropped as a whole when a new one would exceed the budget. So a full store holds between fifteen sixteenths
-/// of its budget and all of it. An entry that alone exceeds a sixteenth gets a chunk of its own; one that alone
-/// exceeds the budget is not kept.
+/// Entries lie one behind the other in chunks that are never changed below what is written, and the oldest chunks
+/// are dropped as a whole when a new one would exceed the budget. A chunk is a sixteenth of the budget, at most
+/// 256 KiB; an entry that alone exceeds that gets a chunk of its own size, and one that alone exceeds the budget is
+/// not kept. An entry that doesn't fit into what is left of a chunk leaves that unused. So a full store of short
+/// entries lacks little more than a chunk of its budget; one of entries longer than half a chunk may lack half.
 class EntryStore {
 public:
     static constexpr std::size_t defaultBudget = std::size_t{64} << 20;

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace quorvale::ui::menu {
 
@@ -46,13 +47,15 @@ ProtectedState::ProtectedState(bool isProtected, double iconSize, QWidget* paren
 }
 
 void ProtectedState::setProtected(bool isProtected) {
-    look_ = ProtectedLook::of(isProtected);
-    symbol_ = platform::desktop::SymbolImage(look_.symbol);
-    if (look_.text != text()) {
-        setText(look_.text);
-        // A label doesn't tell of its text in every version of Qt; any widget does of its name.
-        setAccessibleName(look_.text);
+    auto look = ProtectedLook::of(isProtected);
+    if (look == look_) {
+        return;
     }
+    look_ = std::move(look);
+    symbol_ = platform::desktop::SymbolImage(look_.symbol);
+    setText(look_.text);
+    // A label doesn't tell of its text in every version of Qt; any widget does of its name.
+    setAccessibleName(look_.text);
     update();
 }
 

@@ -13,11 +13,12 @@ namespace quorvale::ui::menu {
 struct ProtectedLook {
     /// The system symbol, embedded as a resource.
     QString symbol;
-    /// In the user's language.
+    /// What the application's table of texts has for it, or the key itself.
     QString text;
     QColor boxColor;
 
     static ProtectedLook of(bool isProtected);
+    bool operator==(const ProtectedLook&) const = default;
 };
 
 /// Where the parts of the indicator are, in points.

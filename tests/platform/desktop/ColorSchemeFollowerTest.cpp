@@ -77,6 +77,24 @@ TEST_F(ColorSchemeFollowerTest, IgnoresWhatIsNoColorScheme) {
     EXPECT_FALSE(isDark());
 }
 
+TEST_F(ColorSchemeFollowerTest, BelievesThePortalOnly) {
+    const FakePortal portal(session.other, 2U);
+    const ColorSchemeFollower follower(session.program);
+    ASSERT_TRUE(tests::waitUntil([&] { return portal.reads == 1; }));
+    SessionBus::roundTrip(session.other);
+    const auto path = QStringLiteral("/org/freedesktop/portal/desktop");
+    const auto interface = QStringLiteral("org.freedesktop.portal.Settings");
+    const auto member = QStringLiteral("SettingChanged");
+    for (auto lie : {QDBusMessage::createSignal(path, interface, member),
+                     QDBusMessage::createTargetedSignal(session.program.baseService(), path, interface, member)}) {
+        lie << QStringLiteral("org.freedesktop.appearance") << QStringLiteral("color-scheme")
+            << QVariant::fromValue(QDBusVariant(1U));
+        session.program.send(lie);
+    }
+    SessionBus::roundTrip(session.program);
+    EXPECT_FALSE(isDark());
+}
+
 } // namespace quorvale::platform::desktop
 
 #include "ColorSchemeFollowerTest.moc"

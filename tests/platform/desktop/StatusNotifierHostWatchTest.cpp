@@ -63,7 +63,7 @@ TEST_F(StatusNotifierHostWatchTest, TakesOnlyABooleanForAnAnswer) {
         failures = 0;
         start();
         EXPECT_TRUE(tests::waitUntil([&] { return failures > 0; }));
-        EXPECT_EQ(watch->host(), Host::Unknown);
+        EXPECT_EQ(watch->host(), Host::Absent);
     }
 }
 
@@ -71,7 +71,7 @@ TEST_F(StatusNotifierHostWatchTest, LogsAWatcherThatTakesNoItems) {
     session.other.registerService(QStringLiteral("org.kde.StatusNotifierWatcher"));
     start();
     EXPECT_TRUE(tests::waitUntil([&] { return failures == 2; }));
-    EXPECT_EQ(watch->host(), Host::Unknown);
+    EXPECT_EQ(watch->host(), Host::Absent);
 }
 
 TEST_F(StatusNotifierHostWatchTest, ListensToTheWatcherOnly) {

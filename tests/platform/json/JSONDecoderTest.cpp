@@ -14,6 +14,11 @@ void PrintTo(const DecodingError& error, std::ostream* stream) {
     *stream << error.description();
 }
 
+template <>
+struct Coding<std::int64_t> {
+    static std::expected<std::int64_t, DecodingError> decode(const Decoder& decoder) { return decoder.integer(); }
+};
+
 namespace {
 
 using Kind = DecodingError::Kind;
