@@ -11,8 +11,11 @@ using tests::HelperProcess;
 using tests::waitUntil;
 
 struct Desktop {
+    const char* name;
     std::vector<std::string> options;
     int scale;
+
+    friend void PrintTo(const Desktop& desktop, std::ostream* out) { *out << desktop.name; }
 };
 
 class LogWindowTest : public testing::TestWithParam<Desktop> {
@@ -113,8 +116,10 @@ TEST_P(LogWindowTest, OpensFromTheIconScrollsClosesAndOpensAgainWithWhatCameSinc
     EXPECT_TRUE(helper.process().running());
 }
 
-INSTANTIATE_TEST_SUITE_P(Desktops, LogWindowTest,
-                         testing::Values(Desktop{{"--theme", "light"}, 1},
-                                         Desktop{{"--theme", "dark", "--scale", "2", "--size", "2560x1600"}, 2}));
+INSTANTIATE_TEST_SUITE_P(
+    Desktops, LogWindowTest,
+    testing::Values(Desktop{"Light", {"--theme", "light"}, 1},
+                    Desktop{"DarkAtScaleTwo", {"--theme", "dark", "--scale", "2", "--size", "2560x1600"}, 2}),
+    [](const auto& instance) { return std::string(instance.param.name); });
 
 } // namespace quorvale

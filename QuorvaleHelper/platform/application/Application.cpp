@@ -62,6 +62,7 @@ public:
     }
 
     Instance claim() {
+        const auto token = desktop::ActivationToken::takeOwn();
         auto bus = QDBusConnection::sessionBus();
         if (!bus.isConnected()) {
             return Instance::noSessionBus;
@@ -78,7 +79,7 @@ public:
         // Where nobody has the name, the bus would start one more that can't have it either.
         activate.setAutoStartService(false);
         QVariantMap platformData;
-        if (const auto token = qEnvironmentVariable("XDG_ACTIVATION_TOKEN"); !token.isEmpty()) {
+        if (!token.isEmpty()) {
             platformData.insert(activationToken, token);
         }
         activate << platformData;

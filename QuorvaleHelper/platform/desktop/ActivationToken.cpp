@@ -20,4 +20,10 @@ ActivationToken::~ActivationToken() {
     qunsetenv(variable);
 }
 
+QString ActivationToken::takeOwn() {
+    const auto token = qEnvironmentVariable(variable);
+    qunsetenv(variable);
+    return token;
+}
+
 } // namespace quorvale::platform::desktop

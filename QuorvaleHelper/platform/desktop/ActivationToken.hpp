@@ -12,6 +12,10 @@ public:
     /// `token` is a peer's word, and may be empty.
     explicit ActivationToken(const QString& token);
     ~ActivationToken();
+
+    /// Takes the token with which this process was started out of its environment; empty if there is none.
+    static QString takeOwn();
+
     ActivationToken(const ActivationToken&) = delete;
     ActivationToken& operator=(const ActivationToken&) = delete;
 };
