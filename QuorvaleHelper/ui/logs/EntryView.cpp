@@ -296,14 +296,32 @@ void EntryView::moveBy(std::int64_t pixels) {
     auto& bar = *verticalScrollBar();
     if (!bar.isSliderDown()) {
         const QScopedValueRollback byUs(isFollowing_, true);
-        const auto estimated = heights_.before(top_) + std::int64_t{hidden_} * heights_.size(top_) / heightOf(top_);
-        const auto between =
-            static_cast<int>(std::clamp<std::int64_t>(estimated / pixelsPerValue_, 1, std::max(bar.maximum() - 1, 1)));
         const auto isAtStart = top_ == 0 && hidden_ == 0;
-        bar.setValue(isAtStart ? bar.minimum() : isAtEnd_ ? bar.maximum() : between);
+        bar.setValue(isAtStart ? bar.minimum() : isAtEnd_ ? bar.maximum() : valueBetweenEnds());
     }
     value_ = bar.value();
     viewport()->update();
+}
+
+/// Where the scroll bar is when the text is at neither end. Near an end it goes by what is really there: were less left
+/// on the bar than in the text, the last step would jump over the rest.
+int EntryView::valueBetweenEnds() {
+    const auto near = std::int64_t{3} * textHeight();
+    const auto& bar = *verticalScrollBar();
+    auto above = heights_.before(top_) + std::int64_t{hidden_} * heights_.size(top_) / heightOf(top_);
+    if (above < near) {
+        above = hidden_;
+        for (auto segment = top_; segment > 0 && above < near;) {
+            above += heightOf(--segment);
+        }
+    } else if (heights_.total() - textHeight() - above < near) {
+        std::int64_t below = -hidden_ - textHeight();
+        for (auto segment = top_; segment < segments_.size() && below < near; ++segment) {
+            below += heightOf(segment);
+        }
+        above = bar.maximum() * pixelsPerValue_ - below;
+    }
+    return static_cast<int>(std::clamp<std::int64_t>(above / pixelsPerValue_, 1, std::max(bar.maximum() - 1, 1)));
 }
 
 void EntryView::moveToValue(int value) {

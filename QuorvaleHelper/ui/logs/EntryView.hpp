@@ -81,6 +81,7 @@ private:
     void updateScrollBar();
     void moveBy(std::int64_t pixels);
     void moveToValue(int value);
+    int valueBetweenEnds();
     void stayWithinText();
     /// The first segment that is visible at all, and where its upper edge is on the viewport.
     std::pair<std::size_t, int> firstPainted();

@@ -141,6 +141,29 @@ TEST(EntryViewTest, ReachesBothEndsExactlyAndMovesByPixelsBetween) {
     }
 }
 
+TEST(EntryViewTest, LeavesNothingOutNearItsEndsHoweverWrongItsEstimates) {
+    // Narrow letters are what is measured; most of the text is five times as wide.
+    std::string narrow;
+    std::string wide;
+    for (int line = 0; line < 300; ++line) {
+        narrow.append(300, 'i').append("\n");
+        wide.append(300, 'W').append("\n");
+    }
+    const auto owner = shown(narrow.substr(0, 5000) + wide + narrow + wide);
+    auto& view = *owner;
+    const auto seenLast = [&] { return view.positionAt({0, view.viewport()->height() - padding}).segment; };
+    for (const auto& [key, end] : {std::pair(Qt::Key_PageDown, view.segments().size() - 1), {Qt::Key_PageUp, 0UL}}) {
+        for (int page = 0; page < 2000 && view.rectOf({end, 0}).isNull(); ++page) {
+            const auto first = view.firstVisible();
+            const auto last = seenLast();
+            QTest::keyClick(&view, key);
+            ASSERT_LE(view.firstVisible(), last);
+            ASSERT_GE(seenLast(), first);
+        }
+        EXPECT_FALSE(view.rectOf({end, 0}).isNull());
+    }
+}
+
 TEST(EntryViewTest, ShowsNoScrollBarForWhatFitsAndBeginsNewTextAtItsStart) {
     const auto owner = shown("one line");
     auto& view = *owner;
