@@ -9,30 +9,6 @@ namespace quorvale::model {
 
 using platform::defaults::UserDefaults;
 
-TEST(AgentDefaultsTest, ChangesInPlaceAndAsAWhole) {
-    const auto defaults = std::make_shared<AgentDefaults>(nullptr);
-    const std::weak_ptr<AgentDefaults> holder = defaults;
-    EXPECT_FALSE(defaults->restrictions);
-
-    defaults->restrictions.emplace(false, false, false, false);
-    defaults->domainBlackList.emplace_back("example.org");
-    defaults->BlockedCountryCodes = {"NL", "DE"};
-    for (const auto type : allCases) {
-        defaults->appSettings[type] = type != ThreatType::None;
-    }
-
-    const auto other = holder.lock();
-    ASSERT_TRUE(other);
-    const auto denyLock = other->restrictions.transform([](const auto& restrictions) { return restrictions.denyLock; });
-    EXPECT_EQ(denyLock, false);
-    EXPECT_EQ(other->domainBlackList, std::vector<std::string>{"example.org"});
-    EXPECT_EQ(other->BlockedCountryCodes.back(), "DE");
-    EXPECT_EQ(other->appSettings.size(), 30U);
-    EXPECT_FALSE(other->appSettings.at(ThreatType::None));
-    other->restrictions.reset();
-    EXPECT_FALSE(defaults->restrictions);
-}
-
 TEST(AgentDefaultsTest, KeepsValuesUnderItsKeysInTheGroupsSuite) {
     const QTemporaryDir folder;
     const auto suite = UserDefaults::open(AgentDefaults::suiteName, folder.path().toStdString());

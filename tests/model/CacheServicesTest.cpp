@@ -15,20 +15,16 @@ TEST(CacheServicesTest, HoldOneRecordUnderSeveralKeys) {
     cache.allowedMap.at("192.0.2.1")->bytesOut += 24;
 
     EXPECT_EQ(cache.allowedMap.at("example.org")->bytesOut, 1024);
-    EXPECT_EQ(record.use_count(), 3);
     EXPECT_EQ(record->dnsName, "example.org");
     EXPECT_EQ(record->port, 443);
 }
 
 TEST(CacheServicesTest, HoldBlockedConnectionsOfUnknownHosts) {
-    const auto cache = std::make_shared<BlockedCacheService>();
-    EXPECT_EQ(cache->bytesBlocked, 0);
-    cache->blockedMap.emplace(
-        "192.0.2.1", std::make_shared<BlockedClass>(ThreatType::None, std::nullopt, std::nullopt, "192.0.2.1"));
-    const auto& record = *cache->blockedMap.at("192.0.2.1");
-    EXPECT_FALSE(record.host);
-    EXPECT_FALSE(record.country);
+    const BlockedClass record(ThreatType::None, std::nullopt, "NL", "192.0.2.1");
+    EXPECT_EQ(record.host, std::nullopt);
+    EXPECT_EQ(record.country, "NL");
     EXPECT_EQ(record.ipAddress, "192.0.2.1");
+    EXPECT_EQ(BlockedCacheService().bytesBlocked, 0);
 }
 
 } // namespace quorvale::model

@@ -13,13 +13,7 @@ namespace quorvale::tests {
 /// anything. It stands in for the system bus or the session bus. A daemon that doesn't start fails the test.
 class PrivateBus {
 public:
-    struct Policy {
-        /// A name that nobody may own; none if empty.
-        std::string unownableName;
-    };
-
     PrivateBus();
-    explicit PrivateBus(const Policy& policy);
 
     /// For DBUS_SYSTEM_BUS_ADDRESS, DBUS_SESSION_BUS_ADDRESS and QDBusConnection::connectToBus(). It stays the same
     /// for the life of this object.
@@ -27,8 +21,6 @@ public:
 
     /// Ends the daemon, whose clients lose their connections.
     void stop();
-    /// Starts a new daemon on the same address, after ending the one that runs.
-    void restart();
 
 private:
     [[nodiscard]] std::string path(const char* name) const;
