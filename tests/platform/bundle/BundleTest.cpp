@@ -26,17 +26,6 @@ protected:
     fs::path path_ = fs::path(directory_.path().toStdString()) / "Some.app";
 };
 
-TEST_F(BundleTest, GivesTheTextsOfItsInformationDictionary) {
-    writeInformation(
-        "<key>CFBundleIdentifier</key><string>a.b</string><key>CFBundleVersion</key><integer>57</integer>");
-    const Bundle bundle(path_);
-
-    EXPECT_EQ(bundle.bundlePath(), path_.string());
-    EXPECT_EQ(bundle.bundleIdentifier(), "a.b");
-    EXPECT_EQ(bundle.infoText("CFBundleVersion"), std::nullopt);
-    EXPECT_EQ(bundle.infoText("Absent"), std::nullopt);
-}
-
 TEST_F(BundleTest, HasNoInformationWithoutAReadableFile) {
     EXPECT_EQ(Bundle(path_).bundleIdentifier(), std::nullopt);
     fs::create_directories(path_ / "Contents" / "Info.plist");

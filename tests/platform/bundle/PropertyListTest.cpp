@@ -1,5 +1,6 @@
 #include "platform/bundle/PropertyList.hpp"
 
+#include <QByteArray>
 #include <gmock/gmock.h>
 
 #include <string>
@@ -17,12 +18,8 @@ std::string xml(const std::string& inside) {
     return std::string(R"(<?xml version="1.0" encoding="UTF-8"?><plist version="1.0">)").append(inside) + "</plist>";
 }
 
-std::string repeated(std::size_t count, std::string_view text) {
-    std::string all;
-    for (std::size_t i = 0; i < count; ++i) {
-        all += text;
-    }
-    return all;
+std::string repeated(int count, const char* text) {
+    return QByteArray(text).repeated(count).toStdString();
 }
 
 std::string bigEndian(std::uint64_t number, int size) {
