@@ -40,9 +40,8 @@ protected:
 
     void TearDown() override {
         if (const auto& connection = link_->clientConnection()) {
-            const auto ended = log_.count(invalidated) + 1;
             connection->invalidate();
-            EXPECT_TRUE(waitUntil([&] { return log_.count(invalidated) >= ended || connectionEnded_; }));
+            EXPECT_TRUE(waitUntil([&] { return log_.count(invalidated) == log_.count(resumed); }));
         }
     }
 
@@ -51,6 +50,12 @@ protected:
         std::ranges::copy_if(agent.events(), std::back_inserter(found),
                              [&](const auto& event) { return event.starts_with(beginning); });
         return found;
+    }
+
+    /// The helper's name on the bus.
+    static std::string clientOf(const AgentProcess& agent) {
+        const auto client = events(agent, "registered ").front();
+        return client.substr(11, client.find(' ', 11) - 11);
     }
 
     bool logged(std::string_view line, std::ptrdiff_t times = 1) {
@@ -73,6 +78,8 @@ protected:
 
     static constexpr auto invalidated = "Helper XPC: Connection invalidated";
     static constexpr auto interrupted = "Helper XPC: Connection interrupted";
+    static constexpr auto resumed = "Helper XPC: Connection resumed";
+    static constexpr auto proxyError = "error: Error creating provider proxy: <private>";
 
     PrivateBus bus_;
     tests::RecordedLog log_;
@@ -80,7 +87,6 @@ protected:
     std::shared_ptr<status::StatusManager> status_ = std::make_shared<status::StatusManager>(mainQueue_);
     platform::observable::Subscription observation_;
     int notifications_ = 0;
-    bool connectionEnded_ = false;
     std::vector<std::chrono::seconds> pauses_;
     std::shared_ptr<HelperXPC> link_ = std::make_shared<HelperXPC>(HelperXPC::Collaborators{
         .mainQueue = mainQueue_,
@@ -108,7 +114,7 @@ TEST_F(HelperXPCTest, RegistersBeforeItAsksForTheState) {
     EXPECT_THAT(pauses_, ElementsAre(1s));
     EXPECT_THAT(log_.lines(),
                 ElementsAre("Helper XPC: Attempting to connect to agent", "Helper XPC: resuming XPC connection",
-                            "Helper XPC: Connection resumed", "Initial State Changed: true"));
+                            resumed, "Initial State Changed: true"));
 }
 
 TEST_F(HelperXPCTest, ReplacesTheConnectionWhenToldToConnectAgain) {
@@ -125,7 +131,7 @@ TEST_F(HelperXPCTest, ReplacesTheConnectionWhenToldToConnectAgain) {
     const auto lines = log_.lines();
     const auto again = std::ranges::find(lines | std::views::drop(1), "Helper XPC: Attempting to connect to agent");
     EXPECT_EQ(*std::next(again), "Helper XPC: Invalidating existing connection");
-    EXPECT_EQ(log_.count("Helper XPC: Connection resumed"), 2);
+    EXPECT_EQ(log_.count(resumed), 2);
     EXPECT_EQ(log_.count(invalidated), 1);
 }
 
@@ -149,14 +155,12 @@ TEST_F(HelperXPCTest, StaysUnconnectedWithoutABus) {
 
 TEST_F(HelperXPCTest, ReportsAMissingServiceThroughEachErrorHandler) {
     link_->connectToAgent();
-    ASSERT_TRUE(logged("error: Error creating provider proxy: <private>"));
+    ASSERT_TRUE(logged(proxyError));
     EXPECT_THAT(log_.lines(), ElementsAre("Helper XPC: Attempting to connect to agent",
-                                          "Helper XPC: resuming XPC connection", "Helper XPC: Connection resumed",
-                                          invalidated, "error: Failed to register client with agent: <private>",
-                                          "error: Error creating provider proxy: <private>"));
+                                          "Helper XPC: resuming XPC connection", resumed, invalidated,
+                                          "error: Failed to register client with agent: <private>", proxyError));
     EXPECT_NE(link_->clientConnection(), nullptr);
     EXPECT_EQ(notifications_, 0);
-    connectionEnded_ = true;
 }
 
 TEST_F(HelperXPCTest, ReachesTheNextOwnerAfterAnInterruptionWithoutRegisteringAgain) {
@@ -177,8 +181,7 @@ TEST_F(HelperXPCTest, ReachesTheNextOwnerAfterAnInterruptionWithoutRegisteringAg
 TEST_F(HelperXPCTest, TakesCallsFromANewOwnerAtOnce) {
     AgentProcess agent(bus_, {"--state", agentActive});
     connect(agent);
-    const auto client = events(agent, "registered ").front();
-    const auto name = client.substr(11, client.find(' ', 11) - 11);
+    const auto name = clientOf(agent);
     agent.command("restart");
     ASSERT_TRUE(agent.waitForEvent("ready"));
     agent.command("updateProtectionStatus false @" + name);
@@ -192,27 +195,21 @@ TEST_F(HelperXPCTest, IsInvalidatedWhenTheBusGoesAway) {
     bus_.stop();
     ASSERT_TRUE(logged(invalidated));
     link_->requestAgentState();
-    EXPECT_TRUE(logged("error: Error creating provider proxy: <private>"));
+    EXPECT_TRUE(logged(proxyError));
     EXPECT_TRUE(status_->status());
-    connectionEnded_ = true;
 }
 
 TEST_F(HelperXPCTest, AnswersOnlyAReplyThatCarriesAState) {
     AgentProcess agent(bus_, {"--state", agentActive});
     connect(agent);
 
-    struct Case {
-        const char* reply;
-        std::vector<std::string> lines;
-    };
-
-    const std::vector<Case> cases{
+    const std::pair<const char*, std::vector<std::string>> cases[] = {
         {"none", {}},
         {"text {}",
          {"error: Failed to decode the agent state: key not found (active) at top level: No value for this key."}},
-        {"several", {"error: Error creating provider proxy: <private>"}},
-        {"wrong-type", {"error: Error creating provider proxy: <private>"}},
-        {"error", {"error: Error creating provider proxy: <private>"}},
+        {"several", {proxyError}},
+        {"wrong-type", {proxyError}},
+        {"error", {proxyError}},
     };
     for (const auto& [reply, expected] : cases) {
         const auto before = log_.lines().size();
@@ -242,11 +239,10 @@ TEST_F(HelperXPCTest, WaitsForALateReplyAndFailsOneThatCanNoLongerCome) {
     link_->requestAgentState();
     ASSERT_TRUE(agent.waitForEvent(asked));
     agent.command("crash");
-    EXPECT_TRUE(logged("error: Error creating provider proxy: <private>", 2));
+    EXPECT_TRUE(logged(proxyError, 2));
     link_->clientConnection()->invalidate();
     ASSERT_TRUE(logged(invalidated));
-    EXPECT_EQ(log_.count("error: Error creating provider proxy: <private>"), 2);
-    connectionEnded_ = true;
+    EXPECT_EQ(log_.count(proxyError), 2);
 }
 
 TEST_F(HelperXPCTest, AppliesEveryPushAlsoOfAnEqualValue) {
@@ -288,8 +284,7 @@ TEST_F(HelperXPCTest, RefusesAStrangersCalls) {
     EXPECT_THAT(push(), refused);
 
     // A stranger may tell the helper that the agent's name has changed hands, in the bus's words but not in its name.
-    const auto client = events(agent, "registered ").front();
-    const auto name = QString::fromStdString(client.substr(11, client.find(' ', 11) - 11));
+    const auto name = QString::fromStdString(clientOf(agent));
     auto stranger = QDBusConnection::connectToBus(QString::fromStdString(bus_.address()), QStringLiteral("stranger"));
     auto lie =
         QDBusMessage::createTargetedSignal(name, QStringLiteral("/org/freedesktop/DBus"),
@@ -316,22 +311,17 @@ TEST_F(HelperXPCTest, NamesTheMethodAndTheArgumentThatDoesNotDecode) {
     connect(agent);
     const auto lines = log_.lines();
 
-    struct Case {
-        const char* command;
-        const char* answer;
+    const std::pair<const char*, const char*> cases[] = {
+        {"updateProtectionStatus s:true", "updateProtectionStatus: argument isProtected does not decode."},
+        {"updateProtectionStatus -", "updateProtectionStatus: argument isProtected does not decode."},
+        {"updateProtectionStatus false false", "updateProtectionStatus: argument number 2 does not decode."},
+        {"updateEventLogDefaults v:x", "updateEventLogDefaults: argument defaults does not decode."},
+        {"promptUserWithAboutFlow a{sv}:{} d n t i i:1", "promptUserWithAboutFlow: argument epoch does not decode."},
     };
-
-    constexpr auto invalid = "error org.freedesktop.DBus.Error.InvalidArgs ";
-    for (const auto& [command, answer] : {
-             Case{"updateProtectionStatus s:true", "updateProtectionStatus: argument isProtected does not decode."},
-             Case{"updateProtectionStatus -", "updateProtectionStatus: argument isProtected does not decode."},
-             Case{"updateProtectionStatus false false", "updateProtectionStatus: argument number 2 does not decode."},
-             Case{"updateEventLogDefaults v:x", "updateEventLogDefaults: argument defaults does not decode."},
-             Case{"promptUserWithAboutFlow a{sv}:{} d n t i i:1",
-                  "promptUserWithAboutFlow: argument epoch does not decode."},
-         }) {
+    for (const auto& [command, answer] : cases) {
         agent.command(command);
-        EXPECT_THAT(agent.waitForEvent("push-result").value_or(""), testing::HasSubstr(std::string(invalid) + answer))
+        EXPECT_THAT(agent.waitForEvent("push-result").value_or(""),
+                    testing::HasSubstr(std::string("error org.freedesktop.DBus.Error.InvalidArgs ") + answer))
             << command;
     }
     EXPECT_EQ(log_.lines(), lines);

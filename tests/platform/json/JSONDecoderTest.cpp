@@ -48,19 +48,11 @@ struct Outer {
 
 /// Decodes another text while its own is being decoded.
 struct Nesting {
-    enum class CodingKeys : std::uint8_t { before, after };
-
-    friend constexpr auto codingKeyNames(CodingKeys /*keys*/) {
-        return std::to_array<std::string_view>({"before", "after"});
-    }
-
     std::int64_t sum;
 
     static std::expected<Nesting, DecodingError> decode(const Decoder& decoder) {
-        const auto object = decoder.container<CodingKeys>();
         const auto other = JSONDecoder{}.decode<Pair>(R"({"flag":true,"count":1000})");
-        return Nesting{*object->decode<std::int64_t>(CodingKeys::before) + other->count +
-                       *object->decode<std::int64_t>(CodingKeys::after)};
+        return Nesting{Pair::decode(decoder)->count + other->count};
     }
 };
 
@@ -183,7 +175,7 @@ TEST(JSONDecoderTest, DecodesWholeNumbersOfSixtyFourBits) {
 }
 
 TEST(JSONDecoderTest, KeepsATextReadableWhileItsRecordDecodesAnother) {
-    EXPECT_EQ(JSONDecoder{}.decode<Nesting>(R"({"before":1,"after":20})")->sum, 1021);
+    EXPECT_EQ(JSONDecoder{}.decode<Nesting>(R"({"flag":true,"count":20})")->sum, 1020);
 }
 
 TEST(JSONDecoderTest, DecodesSmallTextsAfterBrokenAndLargeOnes) {
