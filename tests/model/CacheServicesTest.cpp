@@ -20,9 +20,9 @@ TEST(CacheServicesTest, HoldOneRecordUnderSeveralKeys) {
 }
 
 TEST(CacheServicesTest, HoldBlockedConnectionsOfUnknownHosts) {
-    const BlockedClass record(ThreatType::None, std::nullopt, "NL", "192.0.2.1");
+    const BlockedClass record(ThreatType::None, std::nullopt, std::nullopt, "192.0.2.1");
     EXPECT_EQ(record.host, std::nullopt);
-    EXPECT_EQ(record.country, "NL");
+    EXPECT_EQ(record.country, std::nullopt);
     EXPECT_EQ(record.ipAddress, "192.0.2.1");
     EXPECT_EQ(BlockedCacheService().bytesBlocked, 0);
 }

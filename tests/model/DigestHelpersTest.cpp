@@ -90,6 +90,7 @@ TEST(DigestHelpersTest, HashTheBytesAsTheyStand) {
     using namespace std::string_view_literals;
     EXPECT_EQ(md5Hex("\xC3\xA9"), "66ddcd97cfdeabb2f6fb8a999b4bc76f");
     EXPECT_NE(md5Hex("e\xCC\x81"), md5Hex("\xC3\xA9"));
+    EXPECT_EQ(sha256Hex("abc"), "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
     EXPECT_NE(sha256Hex("a\0b"sv), sha256Hex("a"sv));
     EXPECT_NE(sha256Hex("\uFEFFabc"), sha256Hex("abc"));
 }
@@ -125,8 +126,11 @@ TEST(DigestHelpersTest, FindEveryCharacterOfUnicodesBreakTest) {
 TEST(DigestHelpersTest, FindNoCharacterOutsideTheText) {
     using Limits = std::numeric_limits<std::int64_t>;
     EXPECT_EQ(characterAt(0, ""), std::nullopt);
+    EXPECT_EQ(characterAt(1, "e\u0301x"), "x");
+    EXPECT_EQ(characterAt(2, "e\u0301x"), std::nullopt);
     // Nothing behind the view is read.
     const auto text = std::string_view("abcd").substr(0, 3);
+    EXPECT_EQ(characterAt(2, text), "c");
     for (const auto position : {std::int64_t{3}, std::int64_t{-1}, Limits::max(), Limits::min()}) {
         EXPECT_EQ(characterAt(position, text), std::nullopt) << position;
     }

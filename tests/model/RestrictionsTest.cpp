@@ -36,11 +36,13 @@ TEST(RestrictionsTest, ReportTheFirstMemberThatFails) {
         {"{}", "key not found (training) at top level: No value for this key."},
         {R"({"training":true,"geographyLock":true,"allowLock":true})",
          "key not found (denyLock) at top level: No value for this key."},
+        {R"({"training":true,"geographyLock":true})", "key not found (allowLock) at top level: No value for this key."},
+        {R"({"training":true,"geographyLock":true,"allowLock":1})",
+         "type mismatch (Bool) at allowLock: Expected Bool but found a number."},
         {R"({"training":true,"geographyLock":true,"allowLock":"true","denyLock":7})",
          "type mismatch (Bool) at allowLock: Expected Bool but found a string."},
         {R"({"training":true,"geographyLock":true,"allowLock":null,"denyLock":true})",
          "value not found (Bool) at allowLock: Expected Bool but found null."},
-        {"[true,true,true,true]", "type mismatch (object) at top level: Expected object but found an array."},
     };
     for (const auto& [text, description] : cases) {
         const auto restrictions = JSONDecoder{}.decode<Restrictions>(text);
