@@ -97,6 +97,14 @@ protected:
     });
 };
 
+/// With an agent that is active, and the helper connected to it.
+class ConnectedHelperXPCTest : public HelperXPCTest {
+protected:
+    void SetUp() override { connect(agent_); }
+
+    AgentProcess agent_{bus_, {"--state", agentActive}};
+};
+
 } // namespace
 
 TEST_F(HelperXPCTest, RegistersBeforeItAsksForTheState) {
@@ -117,16 +125,14 @@ TEST_F(HelperXPCTest, RegistersBeforeItAsksForTheState) {
                             resumed, "Initial State Changed: true"));
 }
 
-TEST_F(HelperXPCTest, ReplacesTheConnectionWhenToldToConnectAgain) {
-    AgentProcess agent(bus_, {"--state", agentActive});
-    connect(agent);
+TEST_F(ConnectedHelperXPCTest, ReplacesTheConnectionWhenToldToConnectAgain) {
     const auto first = link_->clientConnection();
-    connect(agent);
+    connect(agent_);
     ASSERT_TRUE(logged(invalidated));
     EXPECT_NE(link_->clientConnection(), first);
-    EXPECT_TRUE(waitUntil([&] { return events(agent, "client-gone").size() == 1; }));
-    EXPECT_EQ(events(agent, registered).size(), 2U);
-    EXPECT_EQ(events(agent, asked).size(), 2U);
+    EXPECT_TRUE(waitUntil([&] { return events(agent_, "client-gone").size() == 1; }));
+    EXPECT_EQ(events(agent_, registered).size(), 2U);
+    EXPECT_EQ(events(agent_, asked).size(), 2U);
 
     const auto lines = log_.lines();
     const auto again = std::ranges::find(lines | std::views::drop(1), "Helper XPC: Attempting to connect to agent");
@@ -178,20 +184,16 @@ TEST_F(HelperXPCTest, ReachesTheNextOwnerAfterAnInterruptionWithoutRegisteringAg
     EXPECT_EQ(log_.count(invalidated), 0);
 }
 
-TEST_F(HelperXPCTest, TakesCallsFromANewOwnerAtOnce) {
-    AgentProcess agent(bus_, {"--state", agentActive});
-    connect(agent);
-    const auto name = clientOf(agent);
-    agent.command("restart");
-    ASSERT_TRUE(agent.waitForEvent("ready"));
-    agent.command("updateProtectionStatus false @" + name);
-    EXPECT_EQ(agent.waitForEvent("push-result"), "push-result updateProtectionStatus ok");
+TEST_F(ConnectedHelperXPCTest, TakesCallsFromANewOwnerAtOnce) {
+    const auto name = clientOf(agent_);
+    agent_.command("restart");
+    ASSERT_TRUE(agent_.waitForEvent("ready"));
+    agent_.command("updateProtectionStatus false @" + name);
+    EXPECT_EQ(agent_.waitForEvent("push-result"), "push-result updateProtectionStatus ok");
     EXPECT_TRUE(waitUntil([&] { return !status_->status(); }));
 }
 
-TEST_F(HelperXPCTest, IsInvalidatedWhenTheBusGoesAway) {
-    AgentProcess agent(bus_, {"--state", agentActive});
-    connect(agent);
+TEST_F(ConnectedHelperXPCTest, IsInvalidatedWhenTheBusGoesAway) {
     bus_.stop();
     ASSERT_TRUE(logged(invalidated));
     link_->requestAgentState();
@@ -199,10 +201,7 @@ TEST_F(HelperXPCTest, IsInvalidatedWhenTheBusGoesAway) {
     EXPECT_TRUE(status_->status());
 }
 
-TEST_F(HelperXPCTest, AnswersOnlyAReplyThatCarriesAState) {
-    AgentProcess agent(bus_, {"--state", agentActive});
-    connect(agent);
-
+TEST_F(ConnectedHelperXPCTest, AnswersOnlyAReplyThatCarriesAState) {
     const std::pair<const char*, std::vector<std::string>> cases[] = {
         {"none", {}},
         {"text {}",
@@ -214,10 +213,10 @@ TEST_F(HelperXPCTest, AnswersOnlyAReplyThatCarriesAState) {
     for (const auto& [reply, expected] : cases) {
         const auto before = log_.lines().size();
         const auto notificationsBefore = notifications_;
-        agent.command(std::string("state ") + reply);
+        agent_.command(std::string("state ") + reply);
         link_->requestAgentState();
-        ASSERT_TRUE(agent.waitForEvent(asked));
-        exchangeMessage(agent);
+        ASSERT_TRUE(agent_.waitForEvent(asked));
+        exchangeMessage(agent_);
         const auto lines = log_.lines();
         EXPECT_EQ(std::vector(lines.begin() + static_cast<std::ptrdiff_t>(before), lines.end()), expected) << reply;
         EXPECT_EQ(notifications_, notificationsBefore) << reply;
@@ -258,33 +257,14 @@ TEST_F(HelperXPCTest, AppliesEveryPushAlsoOfAnEqualValue) {
     EXPECT_EQ(log_.count("Helper: Agent State: true"), 2);
 }
 
-TEST_F(HelperXPCTest, TakesTheOtherFiveCallsAndDoesNothing) {
-    AgentProcess agent(bus_, {"--state", agentActive});
-    connect(agent);
+TEST_F(ConnectedHelperXPCTest, RefusesAStrangersCalls) {
     const auto lines = log_.lines();
-    for (const std::string method : {"promptUserWithAboutFlow", "updateRulesStatus", "updateEventLogDefaults",
-                                     "updateGeoDataDefaults", "sendDefaultsToClientWith"}) {
-        agent.command(method);
-        EXPECT_EQ(agent.waitForEvent("push-result"), "push-result " + method + " ok");
-    }
-    EXPECT_EQ(log_.lines(), lines);
-    EXPECT_EQ(notifications_, 1);
-}
-
-TEST_F(HelperXPCTest, RefusesAStrangersCalls) {
-    AgentProcess agent(bus_, {"--state", agentActive});
-    connect(agent);
-    const auto lines = log_.lines();
-    const auto push = [&] {
-        agent.command("impostor updateProtectionStatus false");
-        return agent.waitForEvent("impostor-result").value_or("");
-    };
-    const auto refused =
-        StartsWith("impostor-result updateProtectionStatus error org.freedesktop.DBus.Error.AccessDenied");
-    EXPECT_THAT(push(), refused);
+    const auto refused = testing::HasSubstr("updateProtectionStatus error org.freedesktop.DBus.Error.AccessDenied");
+    agent_.command("impostor updateProtectionStatus false");
+    EXPECT_THAT(agent_.waitForEvent("impostor-result").value_or(""), refused);
 
     // A stranger may tell the helper that the agent's name has changed hands, in the bus's words but not in its name.
-    const auto name = QString::fromStdString(clientOf(agent));
+    const auto name = QString::fromStdString(clientOf(agent_));
     auto stranger = QDBusConnection::connectToBus(QString::fromStdString(bus_.address()), QStringLiteral("stranger"));
     auto lie =
         QDBusMessage::createTargetedSignal(name, QStringLiteral("/org/freedesktop/DBus"),
@@ -298,33 +278,36 @@ TEST_F(HelperXPCTest, RefusesAStrangersCalls) {
     EXPECT_EQ(stranger.call(call).errorName(), QStringLiteral("org.freedesktop.DBus.Error.AccessDenied"));
     QDBusConnection::disconnectFromBus(QStringLiteral("stranger"));
 
-    agent.command("release");
+    agent_.command("release");
     ASSERT_TRUE(logged(interrupted));
-    agent.command("updateProtectionStatus false");
-    EXPECT_THAT(agent.waitForEvent("push-result").value_or(""), testing::HasSubstr("AccessDenied"));
+    agent_.command("updateProtectionStatus false");
+    EXPECT_THAT(agent_.waitForEvent("push-result").value_or(""), refused);
     EXPECT_EQ(log_.lines().size(), lines.size() + 1);
     EXPECT_TRUE(status_->status());
 }
 
-TEST_F(HelperXPCTest, NamesTheMethodAndTheArgumentThatDoesNotDecode) {
-    AgentProcess agent(bus_, {"--state", agentActive});
-    connect(agent);
+TEST_F(ConnectedHelperXPCTest, DoesNothingOnTheOtherFiveCallsAndOnArgumentsThatDoNotDecode) {
     const auto lines = log_.lines();
-
-    const std::pair<const char*, const char*> cases[] = {
-        {"updateProtectionStatus s:true", "updateProtectionStatus: argument isProtected does not decode."},
-        {"updateProtectionStatus -", "updateProtectionStatus: argument isProtected does not decode."},
-        {"updateProtectionStatus false false", "updateProtectionStatus: argument number 2 does not decode."},
-        {"updateEventLogDefaults v:x", "updateEventLogDefaults: argument defaults does not decode."},
-        {"promptUserWithAboutFlow a{sv}:{} d n t i i:1", "promptUserWithAboutFlow: argument epoch does not decode."},
+    const std::string invalid = "error org.freedesktop.DBus.Error.InvalidArgs ";
+    const std::pair<const char*, std::string> cases[] = {
+        {"promptUserWithAboutFlow", "promptUserWithAboutFlow ok"},
+        {"updateRulesStatus", "updateRulesStatus ok"},
+        {"updateEventLogDefaults", "updateEventLogDefaults ok"},
+        {"updateGeoDataDefaults", "updateGeoDataDefaults ok"},
+        {"sendDefaultsToClientWith", "sendDefaultsToClientWith ok"},
+        {"updateProtectionStatus s:true", invalid + "updateProtectionStatus: argument isProtected does not decode."},
+        {"updateProtectionStatus -", invalid + "updateProtectionStatus: argument isProtected does not decode."},
+        {"updateProtectionStatus false false", invalid + "updateProtectionStatus: argument number 2 does not decode."},
+        {"updateEventLogDefaults v:x", invalid + "updateEventLogDefaults: argument defaults does not decode."},
+        {"promptUserWithAboutFlow a{sv}:{} d n t i i:1",
+         invalid + "promptUserWithAboutFlow: argument epoch does not decode."},
     };
     for (const auto& [command, answer] : cases) {
-        agent.command(command);
-        EXPECT_THAT(agent.waitForEvent("push-result").value_or(""),
-                    testing::HasSubstr(std::string("error org.freedesktop.DBus.Error.InvalidArgs ") + answer))
-            << command;
+        agent_.command(command);
+        EXPECT_THAT(agent_.waitForEvent("push-result").value_or(""), testing::HasSubstr(answer)) << command;
     }
     EXPECT_EQ(log_.lines(), lines);
+    EXPECT_EQ(notifications_, 1);
     EXPECT_TRUE(status_->status());
 }
 

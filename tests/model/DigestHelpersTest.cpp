@@ -97,6 +97,7 @@ TEST(DigestHelpersTest, HashTheBytesAsTheyStand) {
 
 TEST(DigestHelpersTest, FindEveryCharacterOfUnicodesBreakTest) {
     std::size_t count = 0;
+    std::size_t passed = 0;
     std::ifstream stream("/usr/share/unicode/auxiliary/GraphemeBreakTest.txt");
     EXPECT_TRUE(stream) << "is unicode-data installed?";
     for (std::string line; std::getline(stream, line);) {
@@ -113,14 +114,16 @@ TEST(DigestHelpersTest, FindEveryCharacterOfUnicodesBreakTest) {
             characters.back() += bytes;
             text += bytes;
         }
+        bool right = !characterAt(std::ssize(characters), text);
         for (std::int64_t position = 0; const auto& character : characters) {
-            EXPECT_EQ(characterAt(position++, text), character) << line;
+            right = right && characterAt(position++, text) == character;
         }
-        EXPECT_EQ(characterAt(std::ssize(characters), text), std::nullopt) << line;
+        EXPECT_TRUE(right) << line;
         count += characters.empty() ? 0 : 1;
+        passed += !characters.empty() && right ? 1 : 0;
     }
     EXPECT_GE(count, 602U);
-    std::cout << "GraphemeBreakTest.txt: " << count << " cases\n";
+    std::cout << "GraphemeBreakTest.txt: " << passed << '/' << count << '\n';
 }
 
 TEST(DigestHelpersTest, FindNoCharacterOutsideTheText) {

@@ -49,7 +49,7 @@ private:
 };
 
 TEST_F(UserDefaultsTest, KeepsEveryTypeOfValueExactly) {
-    const Value values[] = {
+    const Value values{Array{
         {std::string()},
         {"Zürich \U0001F1E8\U0001F1ED \0 end"s},
         {std::numeric_limits<std::int64_t>::min()},
@@ -64,15 +64,9 @@ TEST_F(UserDefaultsTest, KeepsEveryTypeOfValueExactly) {
         {Date{1700000000.123456789}},
         {Array{{true}, {std::string("x")}, {Array{}}}},
         {Dictionary{{"", {std::int64_t{0}}}, {"inner", {Dictionary{{"list", {Array{{1.5}}}}}}}}},
-    };
-    const auto suite = open();
-    for (int index = 0; const auto& value : values) {
-        ASSERT_TRUE(suite->setValue(std::to_string(index++), value));
-    }
-    for (int index = 0; const auto& value : values) {
-        EXPECT_EQ(open()->value(std::to_string(index)), value) << index;
-        ++index;
-    }
+    }};
+    ASSERT_TRUE(open()->setValue("values", values));
+    EXPECT_EQ(open()->value("values"), values);
 }
 
 TEST_F(UserDefaultsTest, HasWhatWasWrittenLastBySuiteAndKey) {
