@@ -67,15 +67,11 @@ TEST_F(BundleTest, NamesItsProgramOnlyInsideItself) {
     EXPECT_EQ(Bundle(path_).executablePath(), std::nullopt);
 }
 
-TEST_F(BundleTest, IsFoundFromAProgramInItsLayout) {
+TEST_F(BundleTest, IsFoundFromAProgramInItsLayoutAndIsTheDirectoryOfAProgramElsewhere) {
     writeInformation("<key>CFBundleIdentifier</key><string>a.b</string>");
-    const auto bundle = Bundle::ofExecutable(path_ / "Contents/Linux/Some");
-    EXPECT_EQ(bundle.bundlePath(), path_.string());
-    EXPECT_EQ(bundle.bundleIdentifier(), "a.b");
-}
-
-TEST_F(BundleTest, IsTheDirectoryOfAProgramElsewhere) {
-    writeInformation("<key>CFBundleIdentifier</key><string>a.b</string>");
+    const auto found = Bundle::ofExecutable(path_ / "Contents/Linux/Some");
+    EXPECT_EQ(found.bundlePath(), path_.string());
+    EXPECT_EQ(found.bundleIdentifier(), "a.b");
     for (const auto& place : {path_, path_ / "Contents", path_ / "Contents/Windows", path_ / "Contents/Linux/x",
                               fs::path("/usr/Contents/Linux"), fs::path("/")}) {
         const auto bundle = Bundle::ofExecutable(place / "Some");
