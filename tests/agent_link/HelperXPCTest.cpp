@@ -40,9 +40,8 @@ protected:
 
     void TearDown() override {
         if (const auto& connection = link_->clientConnection()) {
-            const auto ended = log_.count(invalidated) + 1;
             connection->invalidate();
-            EXPECT_TRUE(waitUntil([&] { return log_.count(invalidated) >= ended || connectionEnded_; }));
+            EXPECT_TRUE(waitUntil([&] { return log_.count(invalidated) == log_.count(resumed); }));
         }
     }
 
@@ -51,6 +50,12 @@ protected:
         std::ranges::copy_if(agent.events(), std::back_inserter(found),
                              [&](const auto& event) { return event.starts_with(beginning); });
         return found;
+    }
+
+    /// The helper's name on the bus.
+    static std::string clientOf(const AgentProcess& agent) {
+        const auto client = events(agent, "registered ").front();
+        return client.substr(11, client.find(' ', 11) - 11);
     }
 
     bool logged(std::string_view line, std::ptrdiff_t times = 1) {
@@ -73,6 +78,8 @@ protected:
 
     static constexpr auto invalidated = "Helper XPC: Connection invalidated";
     static constexpr auto interrupted = "Helper XPC: Connection interrupted";
+    static constexpr auto resumed = "Helper XPC: Connection resumed";
+    static constexpr auto proxyError = "error: Error creating provider proxy: <private>";
 
     PrivateBus bus_;
     tests::RecordedLog log_;
@@ -80,7 +87,6 @@ protected:
     std::shared_ptr<status::StatusManager> status_ = std::make_shared<status::StatusManager>(mainQueue_);
     platform::observable::Subscription observation_;
     int notifications_ = 0;
-    bool connectionEnded_ = false;
     std::vector<std::chrono::seconds> pauses_;
     std::shared_ptr<HelperXPC> link_ = std::make_shared<HelperXPC>(HelperXPC::Collaborators{
         .mainQueue = mainQueue_,
@@ -89,6 +95,14 @@ protected:
         .sleep = [this](std::chrono::seconds duration) { pauses_.push_back(duration); },
         .statusManager = [this] { return status_; },
     });
+};
+
+/// With an agent that is active, and the helper connected to it.
+class ConnectedHelperXPCTest : public HelperXPCTest {
+protected:
+    void SetUp() override { connect(agent_); }
+
+    AgentProcess agent_{bus_, {"--state", agentActive}};
 };
 
 } // namespace
@@ -108,24 +122,22 @@ TEST_F(HelperXPCTest, RegistersBeforeItAsksForTheState) {
     EXPECT_THAT(pauses_, ElementsAre(1s));
     EXPECT_THAT(log_.lines(),
                 ElementsAre("Helper XPC: Attempting to connect to agent", "Helper XPC: resuming XPC connection",
-                            "Helper XPC: Connection resumed", "Initial State Changed: true"));
+                            resumed, "Initial State Changed: true"));
 }
 
-TEST_F(HelperXPCTest, ReplacesTheConnectionWhenToldToConnectAgain) {
-    AgentProcess agent(bus_, {"--state", agentActive});
-    connect(agent);
+TEST_F(ConnectedHelperXPCTest, ReplacesTheConnectionWhenToldToConnectAgain) {
     const auto first = link_->clientConnection();
-    connect(agent);
+    connect(agent_);
     ASSERT_TRUE(logged(invalidated));
     EXPECT_NE(link_->clientConnection(), first);
-    EXPECT_TRUE(waitUntil([&] { return events(agent, "client-gone").size() == 1; }));
-    EXPECT_EQ(events(agent, registered).size(), 2U);
-    EXPECT_EQ(events(agent, asked).size(), 2U);
+    EXPECT_TRUE(waitUntil([&] { return events(agent_, "client-gone").size() == 1; }));
+    EXPECT_EQ(events(agent_, registered).size(), 2U);
+    EXPECT_EQ(events(agent_, asked).size(), 2U);
 
     const auto lines = log_.lines();
     const auto again = std::ranges::find(lines | std::views::drop(1), "Helper XPC: Attempting to connect to agent");
     EXPECT_EQ(*std::next(again), "Helper XPC: Invalidating existing connection");
-    EXPECT_EQ(log_.count("Helper XPC: Connection resumed"), 2);
+    EXPECT_EQ(log_.count(resumed), 2);
     EXPECT_EQ(log_.count(invalidated), 1);
 }
 
@@ -149,14 +161,12 @@ TEST_F(HelperXPCTest, StaysUnconnectedWithoutABus) {
 
 TEST_F(HelperXPCTest, ReportsAMissingServiceThroughEachErrorHandler) {
     link_->connectToAgent();
-    ASSERT_TRUE(logged("error: Error creating provider proxy: <private>"));
+    ASSERT_TRUE(logged(proxyError));
     EXPECT_THAT(log_.lines(), ElementsAre("Helper XPC: Attempting to connect to agent",
-                                          "Helper XPC: resuming XPC connection", "Helper XPC: Connection resumed",
-                                          invalidated, "error: Failed to register client with agent: <private>",
-                                          "error: Error creating provider proxy: <private>"));
+                                          "Helper XPC: resuming XPC connection", resumed, invalidated,
+                                          "error: Failed to register client with agent: <private>", proxyError));
     EXPECT_NE(link_->clientConnection(), nullptr);
     EXPECT_EQ(notifications_, 0);
-    connectionEnded_ = true;
 }
 
 TEST_F(HelperXPCTest, ReachesTheNextOwnerAfterAnInterruptionWithoutRegisteringAgain) {
@@ -174,53 +184,39 @@ TEST_F(HelperXPCTest, ReachesTheNextOwnerAfterAnInterruptionWithoutRegisteringAg
     EXPECT_EQ(log_.count(invalidated), 0);
 }
 
-TEST_F(HelperXPCTest, TakesCallsFromANewOwnerAtOnce) {
-    AgentProcess agent(bus_, {"--state", agentActive});
-    connect(agent);
-    const auto client = events(agent, "registered ").front();
-    const auto name = client.substr(11, client.find(' ', 11) - 11);
-    agent.command("restart");
-    ASSERT_TRUE(agent.waitForEvent("ready"));
-    agent.command("updateProtectionStatus false @" + name);
-    EXPECT_EQ(agent.waitForEvent("push-result"), "push-result updateProtectionStatus ok");
+TEST_F(ConnectedHelperXPCTest, TakesCallsFromANewOwnerAtOnce) {
+    const auto name = clientOf(agent_);
+    agent_.command("restart");
+    ASSERT_TRUE(agent_.waitForEvent("ready"));
+    agent_.command("updateProtectionStatus false @" + name);
+    EXPECT_EQ(agent_.waitForEvent("push-result"), "push-result updateProtectionStatus ok");
     EXPECT_TRUE(waitUntil([&] { return !status_->status(); }));
 }
 
-TEST_F(HelperXPCTest, IsInvalidatedWhenTheBusGoesAway) {
-    AgentProcess agent(bus_, {"--state", agentActive});
-    connect(agent);
+TEST_F(ConnectedHelperXPCTest, IsInvalidatedWhenTheBusGoesAway) {
     bus_.stop();
     ASSERT_TRUE(logged(invalidated));
     link_->requestAgentState();
-    EXPECT_TRUE(logged("error: Error creating provider proxy: <private>"));
+    EXPECT_TRUE(logged(proxyError));
     EXPECT_TRUE(status_->status());
-    connectionEnded_ = true;
 }
 
-TEST_F(HelperXPCTest, AnswersOnlyAReplyThatCarriesAState) {
-    AgentProcess agent(bus_, {"--state", agentActive});
-    connect(agent);
-
-    struct Case {
-        const char* reply;
-        std::vector<std::string> lines;
-    };
-
-    const std::vector<Case> cases{
+TEST_F(ConnectedHelperXPCTest, AnswersOnlyAReplyThatCarriesAState) {
+    const std::pair<const char*, std::vector<std::string>> cases[] = {
         {"none", {}},
         {"text {}",
          {"error: Failed to decode the agent state: key not found (active) at top level: No value for this key."}},
-        {"several", {"error: Error creating provider proxy: <private>"}},
-        {"wrong-type", {"error: Error creating provider proxy: <private>"}},
-        {"error", {"error: Error creating provider proxy: <private>"}},
+        {"several", {proxyError}},
+        {"wrong-type", {proxyError}},
+        {"error", {proxyError}},
     };
     for (const auto& [reply, expected] : cases) {
         const auto before = log_.lines().size();
         const auto notificationsBefore = notifications_;
-        agent.command(std::string("state ") + reply);
+        agent_.command(std::string("state ") + reply);
         link_->requestAgentState();
-        ASSERT_TRUE(agent.waitForEvent(asked));
-        exchangeMessage(agent);
+        ASSERT_TRUE(agent_.waitForEvent(asked));
+        exchangeMessage(agent_);
         const auto lines = log_.lines();
         EXPECT_EQ(std::vector(lines.begin() + static_cast<std::ptrdiff_t>(before), lines.end()), expected) << reply;
         EXPECT_EQ(notifications_, notificationsBefore) << reply;
@@ -242,11 +238,10 @@ TEST_F(HelperXPCTest, WaitsForALateReplyAndFailsOneThatCanNoLongerCome) {
     link_->requestAgentState();
     ASSERT_TRUE(agent.waitForEvent(asked));
     agent.command("crash");
-    EXPECT_TRUE(logged("error: Error creating provider proxy: <private>", 2));
+    EXPECT_TRUE(logged(proxyError, 2));
     link_->clientConnection()->invalidate();
     ASSERT_TRUE(logged(invalidated));
-    EXPECT_EQ(log_.count("error: Error creating provider proxy: <private>"), 2);
-    connectionEnded_ = true;
+    EXPECT_EQ(log_.count(proxyError), 2);
 }
 
 TEST_F(HelperXPCTest, AppliesEveryPushAlsoOfAnEqualValue) {
@@ -262,34 +257,14 @@ TEST_F(HelperXPCTest, AppliesEveryPushAlsoOfAnEqualValue) {
     EXPECT_EQ(log_.count("Helper: Agent State: true"), 2);
 }
 
-TEST_F(HelperXPCTest, TakesTheOtherFiveCallsAndDoesNothing) {
-    AgentProcess agent(bus_, {"--state", agentActive});
-    connect(agent);
+TEST_F(ConnectedHelperXPCTest, RefusesAStrangersCalls) {
     const auto lines = log_.lines();
-    for (const std::string method : {"promptUserWithAboutFlow", "updateRulesStatus", "updateEventLogDefaults",
-                                     "updateGeoDataDefaults", "sendDefaultsToClientWith"}) {
-        agent.command(method);
-        EXPECT_EQ(agent.waitForEvent("push-result"), "push-result " + method + " ok");
-    }
-    EXPECT_EQ(log_.lines(), lines);
-    EXPECT_EQ(notifications_, 1);
-}
-
-TEST_F(HelperXPCTest, RefusesAStrangersCalls) {
-    AgentProcess agent(bus_, {"--state", agentActive});
-    connect(agent);
-    const auto lines = log_.lines();
-    const auto push = [&] {
-        agent.command("impostor updateProtectionStatus false");
-        return agent.waitForEvent("impostor-result").value_or("");
-    };
-    const auto refused =
-        StartsWith("impostor-result updateProtectionStatus error org.freedesktop.DBus.Error.AccessDenied");
-    EXPECT_THAT(push(), refused);
+    const auto refused = testing::HasSubstr("updateProtectionStatus error org.freedesktop.DBus.Error.AccessDenied");
+    agent_.command("impostor updateProtectionStatus false");
+    EXPECT_THAT(agent_.waitForEvent("impostor-result").value_or(""), refused);
 
     // A stranger may tell the helper that the agent's name has changed hands, in the bus's words but not in its name.
-    const auto client = events(agent, "registered ").front();
-    const auto name = QString::fromStdString(client.substr(11, client.find(' ', 11) - 11));
+    const auto name = QString::fromStdString(clientOf(agent_));
     auto stranger = QDBusConnection::connectToBus(QString::fromStdString(bus_.address()), QStringLiteral("stranger"));
     auto lie =
         QDBusMessage::createTargetedSignal(name, QStringLiteral("/org/freedesktop/DBus"),
@@ -303,38 +278,36 @@ TEST_F(HelperXPCTest, RefusesAStrangersCalls) {
     EXPECT_EQ(stranger.call(call).errorName(), QStringLiteral("org.freedesktop.DBus.Error.AccessDenied"));
     QDBusConnection::disconnectFromBus(QStringLiteral("stranger"));
 
-    agent.command("release");
+    agent_.command("release");
     ASSERT_TRUE(logged(interrupted));
-    agent.command("updateProtectionStatus false");
-    EXPECT_THAT(agent.waitForEvent("push-result").value_or(""), testing::HasSubstr("AccessDenied"));
+    agent_.command("updateProtectionStatus false");
+    EXPECT_THAT(agent_.waitForEvent("push-result").value_or(""), refused);
     EXPECT_EQ(log_.lines().size(), lines.size() + 1);
     EXPECT_TRUE(status_->status());
 }
 
-TEST_F(HelperXPCTest, NamesTheMethodAndTheArgumentThatDoesNotDecode) {
-    AgentProcess agent(bus_, {"--state", agentActive});
-    connect(agent);
+TEST_F(ConnectedHelperXPCTest, DoesNothingOnTheOtherFiveCallsAndOnArgumentsThatDoNotDecode) {
     const auto lines = log_.lines();
-
-    struct Case {
-        const char* command;
-        const char* answer;
+    const std::string invalid = "error org.freedesktop.DBus.Error.InvalidArgs ";
+    const std::pair<const char*, std::string> cases[] = {
+        {"promptUserWithAboutFlow", "promptUserWithAboutFlow ok"},
+        {"updateRulesStatus", "updateRulesStatus ok"},
+        {"updateEventLogDefaults", "updateEventLogDefaults ok"},
+        {"updateGeoDataDefaults", "updateGeoDataDefaults ok"},
+        {"sendDefaultsToClientWith", "sendDefaultsToClientWith ok"},
+        {"updateProtectionStatus s:true", invalid + "updateProtectionStatus: argument isProtected does not decode."},
+        {"updateProtectionStatus -", invalid + "updateProtectionStatus: argument isProtected does not decode."},
+        {"updateProtectionStatus false false", invalid + "updateProtectionStatus: argument number 2 does not decode."},
+        {"updateEventLogDefaults v:x", invalid + "updateEventLogDefaults: argument defaults does not decode."},
+        {"promptUserWithAboutFlow a{sv}:{} d n t i i:1",
+         invalid + "promptUserWithAboutFlow: argument epoch does not decode."},
     };
-
-    constexpr auto invalid = "error org.freedesktop.DBus.Error.InvalidArgs ";
-    for (const auto& [command, answer] : {
-             Case{"updateProtectionStatus s:true", "updateProtectionStatus: argument isProtected does not decode."},
-             Case{"updateProtectionStatus -", "updateProtectionStatus: argument isProtected does not decode."},
-             Case{"updateProtectionStatus false false", "updateProtectionStatus: argument number 2 does not decode."},
-             Case{"updateEventLogDefaults v:x", "updateEventLogDefaults: argument defaults does not decode."},
-             Case{"promptUserWithAboutFlow a{sv}:{} d n t i i:1",
-                  "promptUserWithAboutFlow: argument epoch does not decode."},
-         }) {
-        agent.command(command);
-        EXPECT_THAT(agent.waitForEvent("push-result").value_or(""), testing::HasSubstr(std::string(invalid) + answer))
-            << command;
+    for (const auto& [command, answer] : cases) {
+        agent_.command(command);
+        EXPECT_THAT(agent_.waitForEvent("push-result").value_or(""), testing::HasSubstr(answer)) << command;
     }
     EXPECT_EQ(log_.lines(), lines);
+    EXPECT_EQ(notifications_, 1);
     EXPECT_TRUE(status_->status());
 }
 

@@ -11,19 +11,14 @@
 namespace quorvale::app {
 
 TEST(ApplicationOperationsTest, FindsTheMainApplicationFourLevelsAboveTheHelper) {
-    struct Case {
-        const char* helper;
-        std::optional<std::filesystem::path> main;
+    const std::pair<const char*, std::optional<std::filesystem::path>> cases[] = {
+        {"/opt/Quorvale.app/Contents/Library/LoginItems/QuorvaleHelper.app", "/opt/Quorvale.app"},
+        {"/x/y/z/Helper.app", "/"},
+        {"/y/z/Helper.app", ""},
+        {"/z/Helper.app", std::nullopt},
+        {"/", std::nullopt},
     };
-
-    for (const auto& [helper, main] : {
-             Case{"/opt/Quorvale.app/Contents/Library/LoginItems/QuorvaleHelper.app", "/opt/Quorvale.app"},
-             Case{"/P/x/y/z/Helper.app", "/P"},
-             Case{"/x/y/z/Helper.app", "/"},
-             Case{"/y/z/Helper.app", ""},
-             Case{"/z/Helper.app", std::nullopt},
-             Case{"/", std::nullopt},
-         }) {
+    for (const auto& [helper, main] : cases) {
         EXPECT_EQ(mainApplicationPath(helper), main) << helper;
     }
 }
@@ -39,13 +34,11 @@ TEST(ApplicationOperationsTest, SaysInOneLineWhatItCannotOpen) {
     EXPECT_THAT(log.lines(), testing::IsEmpty());
     openMainApplication("/bad/1/2/3/Helper.app", open, log.logger());
     openMainApplication("/2/3/Helper.app", open, log.logger());
-    openMainApplication("/Helper.app", open, log.logger());
     EXPECT_THAT(opened, testing::ElementsAre("/good", "/bad"));
-    EXPECT_THAT(
-        log.lines(),
-        testing::ElementsAre("error: Failed to open the main application: nothing there",
-                             "error: Failed to open the main application: the helper is not inside it: /2/3/Helper.app",
-                             "error: Failed to open the main application: the helper is not inside it: /Helper.app"));
+    EXPECT_THAT(log.lines(),
+                testing::ElementsAre("error: Failed to open the main application: nothing there",
+                                     "error: Failed to open the main application: the helper is not inside it: "
+                                     "/2/3/Helper.app"));
 }
 
 } // namespace quorvale::app

@@ -114,7 +114,7 @@ TEST_F(QuorvaleHelperAppTest, PassesItsLeaveToTakeTheFocusOnToTheOneThatRuns) {
 }
 
 TEST_F(QuorvaleHelperAppTest, EndsWithAnErrorWhereItMayNotHaveItsName) {
-    const tests::PrivateBus strictBus({.unownableName = "com.quorvale.QuorvaleHelper"});
+    const tests::PrivateBus strictBus("com.quorvale.QuorvaleHelper");
     HelperProcess helper(systemBus_, strictBus);
     EXPECT_EQ(helper.process().waitForExit(), (Process::Exit{.code = EXIT_FAILURE}));
     EXPECT_THAT(helper.log(),

@@ -9,31 +9,20 @@ namespace quorvale::model {
 
 using platform::defaults::UserDefaults;
 
-TEST(AgentDefaultsTest, ChangesInPlaceAndAsAWhole) {
-    const auto defaults = std::make_shared<AgentDefaults>(nullptr);
-    const std::weak_ptr<AgentDefaults> holder = defaults;
-    EXPECT_FALSE(defaults->restrictions);
-
-    defaults->restrictions.emplace(false, false, false, false);
-    defaults->domainBlackList.emplace_back("example.org");
-    defaults->BlockedCountryCodes = {"NL", "DE"};
+TEST(AgentDefaultsTest, TellsNoRestrictionsFromNoneOnAndHasASwitchForEachCategory) {
+    AgentDefaults defaults(nullptr);
+    EXPECT_FALSE(defaults.restrictions);
+    defaults.restrictions.emplace(false, false, false, false);
+    EXPECT_TRUE(defaults.restrictions);
     for (const auto type : allCases) {
-        defaults->appSettings[type] = type != ThreatType::None;
+        defaults.appSettings[type] = type == ThreatType::None;
     }
-
-    const auto other = holder.lock();
-    ASSERT_TRUE(other);
-    const auto denyLock = other->restrictions.transform([](const auto& restrictions) { return restrictions.denyLock; });
-    EXPECT_EQ(denyLock, false);
-    EXPECT_EQ(other->domainBlackList, std::vector<std::string>{"example.org"});
-    EXPECT_EQ(other->BlockedCountryCodes.back(), "DE");
-    EXPECT_EQ(other->appSettings.size(), 30U);
-    EXPECT_FALSE(other->appSettings.at(ThreatType::None));
-    other->restrictions.reset();
-    EXPECT_FALSE(defaults->restrictions);
+    EXPECT_EQ(defaults.appSettings.size(), 30U);
+    EXPECT_TRUE(defaults.appSettings.at(ThreatType::None));
+    EXPECT_FALSE(defaults.appSettings.at(ThreatType::Suspect));
 }
 
-TEST(AgentDefaultsTest, KeepsValuesUnderItsKeysInTheGroupsSuite) {
+TEST(AgentDefaultsTest, HasAKeyForEachOfItsValuesInTheGroupsSuite) {
     const QTemporaryDir folder;
     const auto suite = UserDefaults::open(AgentDefaults::suiteName, folder.path().toStdString());
     ASSERT_TRUE(suite) << suite.error();
@@ -44,11 +33,7 @@ TEST(AgentDefaultsTest, KeepsValuesUnderItsKeysInTheGroupsSuite) {
                                      defaults.lastUpdatedRulesKey, defaults.restrictionSettingskey};
     EXPECT_EQ(keys.size(), 6U);
     for (const auto& key : keys) {
-        ASSERT_TRUE(defaults.groupDefaults->setValue(key, UserDefaults::Value{"value of " + key}));
-    }
-    const AgentDefaults reopened(*UserDefaults::open(AgentDefaults::suiteName, folder.path().toStdString()));
-    for (const auto& key : keys) {
-        EXPECT_EQ(reopened.groupDefaults->value(key), UserDefaults::Value{"value of " + key});
+        EXPECT_TRUE(defaults.groupDefaults->setValue(key, UserDefaults::Value{true})) << key;
     }
 }
 

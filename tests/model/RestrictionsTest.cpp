@@ -14,16 +14,11 @@ using platform::json::JSONDecoder;
 using platform::json::JSONEncoder;
 
 TEST(RestrictionsTest, AreReadFromTheirObjectAndWrittenAsIt) {
-    const std::string text = R"({"training":true,"geographyLock":false,"allowLock":true,"denyLock":false})";
-    for (const auto& variant : {
-             text,
-             std::string(R"({"extra":1,"denyLock":false,"allowLock":true,"geographyLock":false,"training":true})"),
-             std::string(R"({"training":true,"training":1,"geographyLock":false,"allowLock":true,"denyLock":false})"),
-         }) {
-        const auto restrictions = JSONDecoder{}.decode<Restrictions>(variant);
-        ASSERT_TRUE(restrictions) << variant;
-        EXPECT_EQ(JSONEncoder{}.encode(*restrictions), text);
-    }
+    const auto restrictions = JSONDecoder{}.decode<Restrictions>(
+        R"({"extra":1,"denyLock":false,"allowLock":true,"geographyLock":false,"training":true})");
+    ASSERT_TRUE(restrictions);
+    EXPECT_EQ(JSONEncoder{}.encode(*restrictions),
+              R"({"training":true,"geographyLock":false,"allowLock":true,"denyLock":false})");
     for (int switches = 0; switches < 16; ++switches) {
         const Restrictions written{.training = (switches & 1) != 0,
                                    .geographyLock = (switches & 2) != 0,
@@ -39,7 +34,6 @@ TEST(RestrictionsTest, AreReadFromTheirObjectAndWrittenAsIt) {
 TEST(RestrictionsTest, ReportTheFirstMemberThatFails) {
     const std::pair<const char*, const char*> cases[] = {
         {"{}", "key not found (training) at top level: No value for this key."},
-        {R"({"Training":true})", "key not found (training) at top level: No value for this key."},
         {R"({"training":true,"geographyLock":true,"allowLock":true})",
          "key not found (denyLock) at top level: No value for this key."},
         {R"({"training":true,"geographyLock":true})", "key not found (allowLock) at top level: No value for this key."},
@@ -49,8 +43,6 @@ TEST(RestrictionsTest, ReportTheFirstMemberThatFails) {
          "type mismatch (Bool) at allowLock: Expected Bool but found a string."},
         {R"({"training":true,"geographyLock":true,"allowLock":null,"denyLock":true})",
          "value not found (Bool) at allowLock: Expected Bool but found null."},
-        {"[true,true,true,true]", "type mismatch (object) at top level: Expected object but found an array."},
-        {"null", "type mismatch (object) at top level: Expected object but found null."},
     };
     for (const auto& [text, description] : cases) {
         const auto restrictions = JSONDecoder{}.decode<Restrictions>(text);

@@ -22,8 +22,8 @@ void AgentProcess::command(std::string_view line) {
     EXPECT_TRUE(waitUntil([&] { return obeyed() >= commands_ || !process_.running(); })) << line;
 }
 
-std::optional<std::string> AgentProcess::waitForEvent(std::string_view beginning, std::chrono::milliseconds deadline) {
-    return process_.waitForLine([beginning](std::string_view line) { return line.starts_with(beginning); }, deadline);
+std::optional<std::string> AgentProcess::waitForEvent(std::string_view beginning) {
+    return process_.waitForLine([beginning](std::string_view line) { return line.starts_with(beginning); });
 }
 
 } // namespace quorvale::tests

@@ -3,7 +3,6 @@
 #include "support/PrivateBus.hpp"
 #include "support/Process.hpp"
 
-#include <chrono>
 #include <cstddef>
 #include <optional>
 #include <string>
@@ -22,13 +21,10 @@ public:
     void command(std::string_view line);
 
     /// The next event that begins with `beginning`; no value if none comes within the deadline.
-    std::optional<std::string> waitForEvent(std::string_view beginning,
-                                            std::chrono::milliseconds deadline = defaultDeadline);
+    std::optional<std::string> waitForEvent(std::string_view beginning);
 
     /// Every event so far.
     [[nodiscard]] const std::vector<std::string>& events() const { return process_.lines(); }
-
-    [[nodiscard]] Process& process() { return process_; }
 
 private:
     Process process_;

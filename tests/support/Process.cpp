@@ -40,9 +40,7 @@ Process::Process(const Launch& launch) {
     process_.start(QString::fromStdString(launch.program), arguments);
     if (!process_.waitForStarted(-1)) {
         ADD_FAILURE() << launch.program << " doesn't start: " << process_.errorString().toStdString();
-        return;
     }
-    pid_ = static_cast<pid_t>(process_.processId());
 }
 
 Process::~Process() {

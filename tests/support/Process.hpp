@@ -11,7 +11,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <sys/types.h>
 #include <vector>
 
 namespace quorvale::tests {
@@ -63,8 +62,6 @@ public:
     /// Every whole line so far, those already waited for included.
     [[nodiscard]] const std::vector<std::string>& lines() const { return lines_; }
 
-    [[nodiscard]] pid_t pid() const { return pid_; }
-
     [[nodiscard]] bool running() const { return process_.state() == QProcess::Running; }
 
     /// Asks the child to end (SIGTERM).
@@ -79,7 +76,6 @@ private:
     [[nodiscard]] std::string transcript() const;
 
     QProcess process_;
-    pid_t pid_ = 0;
     std::string partial_;
     std::vector<std::string> lines_;
     std::size_t next_ = 0;

@@ -19,8 +19,8 @@ struct Header {
 
 constexpr std::size_t largestChunk = std::size_t{256} << 10;
 
-/// A library that uses AVX may leave the upper halves of the vector registers in use; Qt does when it makes a time zone.
-/// Until they are cleared, some processors run all code without AVX, such as ours, at a third of its speed.
+/// A library that uses AVX may leave the upper halves of the vector registers in use; Qt does when it makes a time
+/// zone. Until they are cleared, some processors run all code without AVX, such as ours, at a third of its speed.
 void clearVectorRegisters() {
 #if defined(__x86_64__)
     if (__builtin_cpu_supports("avx")) {

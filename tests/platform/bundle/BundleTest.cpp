@@ -26,17 +26,6 @@ protected:
     fs::path path_ = fs::path(directory_.path().toStdString()) / "Some.app";
 };
 
-TEST_F(BundleTest, GivesTheTextsOfItsInformationDictionary) {
-    writeInformation(
-        "<key>CFBundleIdentifier</key><string>a.b</string><key>CFBundleVersion</key><integer>57</integer>");
-    const Bundle bundle(path_);
-
-    EXPECT_EQ(bundle.bundlePath(), path_.string());
-    EXPECT_EQ(bundle.bundleIdentifier(), "a.b");
-    EXPECT_EQ(bundle.infoText("CFBundleVersion"), std::nullopt);
-    EXPECT_EQ(bundle.infoText("Absent"), std::nullopt);
-}
-
 TEST_F(BundleTest, HasNoInformationWithoutAReadableFile) {
     EXPECT_EQ(Bundle(path_).bundleIdentifier(), std::nullopt);
     fs::create_directories(path_ / "Contents" / "Info.plist");
@@ -78,15 +67,11 @@ TEST_F(BundleTest, NamesItsProgramOnlyInsideItself) {
     EXPECT_EQ(Bundle(path_).executablePath(), std::nullopt);
 }
 
-TEST_F(BundleTest, IsFoundFromAProgramInItsLayout) {
+TEST_F(BundleTest, IsFoundFromAProgramInItsLayoutAndIsTheDirectoryOfAProgramElsewhere) {
     writeInformation("<key>CFBundleIdentifier</key><string>a.b</string>");
-    const auto bundle = Bundle::ofExecutable(path_ / "Contents/Linux/Some");
-    EXPECT_EQ(bundle.bundlePath(), path_.string());
-    EXPECT_EQ(bundle.bundleIdentifier(), "a.b");
-}
-
-TEST_F(BundleTest, IsTheDirectoryOfAProgramElsewhere) {
-    writeInformation("<key>CFBundleIdentifier</key><string>a.b</string>");
+    const auto found = Bundle::ofExecutable(path_ / "Contents/Linux/Some");
+    EXPECT_EQ(found.bundlePath(), path_.string());
+    EXPECT_EQ(found.bundleIdentifier(), "a.b");
     for (const auto& place : {path_, path_ / "Contents", path_ / "Contents/Windows", path_ / "Contents/Linux/x",
                               fs::path("/usr/Contents/Linux"), fs::path("/")}) {
         const auto bundle = Bundle::ofExecutable(place / "Some");

@@ -1,5 +1,6 @@
 #include "platform/bundle/PropertyList.hpp"
 
+#include <QByteArray>
 #include <gmock/gmock.h>
 
 #include <string>
@@ -9,6 +10,7 @@ namespace quorvale::platform::bundle {
 
 namespace {
 
+using namespace std::string_view_literals;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Pair;
@@ -17,12 +19,8 @@ std::string xml(const std::string& inside) {
     return std::string(R"(<?xml version="1.0" encoding="UTF-8"?><plist version="1.0">)").append(inside) + "</plist>";
 }
 
-std::string repeated(std::size_t count, std::string_view text) {
-    std::string all;
-    for (std::size_t i = 0; i < count; ++i) {
-        all += text;
-    }
-    return all;
+std::string repeated(int count, const char* text) {
+    return QByteArray(text).repeated(count).toStdString();
 }
 
 std::string bigEndian(std::uint64_t number, int size) {
@@ -66,10 +64,9 @@ std::string text(const std::string& ascii) {
     return std::string(1, static_cast<char>(0x50 + ascii.size())).append(ascii);
 }
 
-template <std::size_t Size>
-std::string utf16Text(const char16_t (&units)[Size]) {
-    std::string bytes(1, static_cast<char>(0x60 + Size - 1));
-    for (const auto unit : std::u16string_view(units, Size - 1)) {
+std::string utf16Text(std::u16string_view units) {
+    std::string bytes(1, static_cast<char>(0x60 + units.size()));
+    for (const auto unit : units) {
         bytes += bigEndian(unit, 2);
     }
     return bytes;
@@ -88,7 +85,7 @@ TEST(PropertyListTest, GivesTheTextEntriesOfTheTopLevelDictionary) {
 
 TEST(PropertyListTest, ReadsBinaryListsThatShareTexts) {
     const auto list =
-        binary({dictionary({1, 2, 3, 3, 3, 4}), text("a"), utf16Text(u"\u00FC"), text("2.1"), array({3, 1})});
+        binary({dictionary({1, 2, 3, 3, 3, 4}), text("a"), utf16Text(u"\u00FC"sv), text("2.1"), array({3, 1})});
 
     EXPECT_THAT(textEntriesOfPropertyList(list), ElementsAre(Pair("a", "2.1"), Pair("\u00FC", "2.1")));
 }
@@ -106,8 +103,8 @@ TEST(PropertyListTest, HasNoEntriesWhenBroken) {
              std::string("bplist00"),
              std::string("bplist00").append(32, '\xFF'),
              xml(std::string("<dict><key>a</key><string>b\0c</string></dict>", 43)),
-             binary({dictionary({1, 2}), text("a"), utf16Text(u"b\0c")}),
-             binary({dictionary({1, 2}), utf16Text(u"\u00FC\0b"), text("c")}),
+             binary({dictionary({1, 2}), text("a"), utf16Text(u"b\0c"sv)}),
+             binary({dictionary({1, 2}), utf16Text(u"\u00FC\0b"sv), text("c")}),
              binary({dictionary({1, 9}), text("a")}),
              binary({dictionary({1, 2}), text("a"), std::string("\xAF\x13") + std::string(8, '\x7F')}),
          }) {

@@ -8,20 +8,23 @@
 
 namespace quorvale::platform::desktop {
 
-TEST(MenuBarIconTest, IsEighteenPointsHighWithItsProportionsKept) {
-    struct Case {
-        QSizeF natural;
-        QSizeF expected;
-    };
+namespace {
 
-    for (const auto& [natural, expected] :
-         {Case{{512, 512}, {18, 18}}, {{200, 100}, {36, 18}}, {{10, 20}, {9, 18}}, {{0.5, 0.25}, {36, 18}}}) {
+void write(const QString& path, const char* contents) {
+    QFile file(path);
+    ASSERT_TRUE(file.open(QFile::WriteOnly));
+    file.write(contents);
+}
+
+} // namespace
+
+TEST(MenuBarIconTest, IsEighteenPointsHighWithItsProportionsKeptWhereTheyAreUsable) {
+    const std::pair<QSizeF, QSizeF> cases[] = {
+        {{512, 512}, {18, 18}}, {{200, 100}, {36, 18}}, {{10, 20}, {9, 18}}, {{0.5, 0.25}, {36, 18}}};
+    for (const auto& [natural, expected] : cases) {
         EXPECT_EQ(menuBarIconSize(natural), expected);
         EXPECT_EQ(menuBarIconSize(expected), expected) << "built again, it is another size";
     }
-}
-
-TEST(MenuBarIconTest, HasNoSizeWithoutUsableProportions) {
     const auto infinity = std::numeric_limits<double>::infinity();
     const auto nan = std::numeric_limits<double>::quiet_NaN();
     for (const auto& natural :
@@ -33,11 +36,8 @@ TEST(MenuBarIconTest, HasNoSizeWithoutUsableProportions) {
 TEST(MenuBarIconTest, IsDrawnForPanelsOfAnyHeightFirstTheUnscaledOne) {
     const QTemporaryDir directory;
     const auto drawing = directory.filePath(QStringLiteral("icon.svg"));
-    QFile file(drawing);
-    ASSERT_TRUE(file.open(QFile::WriteOnly));
-    file.write(
-        R"(<svg xmlns="http://www.w3.org/2000/svg" width="200" height="100"><rect width="200" height="100"/></svg>)");
-    file.close();
+    write(drawing,
+          R"(<svg xmlns="http://www.w3.org/2000/svg" width="200" height="100"><rect width="200" height="100"/></svg>)");
     const auto picture = directory.filePath(QStringLiteral("icon.png"));
     QImage pixels(200, 100, QImage::Format_ARGB32);
     pixels.fill(Qt::black);
@@ -62,14 +62,17 @@ TEST(MenuBarIconTest, IsDrawnForPanelsOfAnyHeightFirstTheUnscaledOne) {
 
 TEST(MenuBarIconTest, IsNotLoadedFromWhatIsNoPicture) {
     const QTemporaryDir directory;
-    for (const auto* name : {"absent.svg", "absent.png", "broken.svg", "broken.png", "long.svg"}) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"absent.svg", nullptr},
+        {"absent.png", nullptr},
+        {"broken.svg", "no picture"},
+        {"broken.png", "no picture"},
+        {"long.svg", R"(<svg xmlns="http://www.w3.org/2000/svg" width="90000" height="1"/>)"},
+    };
+    for (const auto& [name, contents] : cases) {
         const auto path = directory.filePath(QString::fromLatin1(name));
-        if (!path.contains(QStringLiteral("absent"))) {
-            QFile file(path);
-            ASSERT_TRUE(file.open(QFile::WriteOnly));
-            file.write(path.contains(QStringLiteral("long"))
-                           ? R"(<svg xmlns="http://www.w3.org/2000/svg" width="90000" height="1"/>)"
-                           : "no picture");
+        if (contents) {
+            write(path, contents);
         }
         const auto icon = MenuBarIcon::load(path);
         ASSERT_FALSE(icon) << name;

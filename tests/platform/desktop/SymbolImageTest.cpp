@@ -44,16 +44,13 @@ TEST_F(SymbolImageTest, KeepsItsProportionsInTheMiddleOfASquareAtAnyScale) {
     }
 }
 
-TEST_F(SymbolImageTest, HasItsOwnColorsUnlessTinted) {
+TEST_F(SymbolImageTest, HasItsOwnColorsUnlessTintedAndNoneWhenItCantBeRead) {
     const SymbolImage symbol(path);
     EXPECT_EQ(symbol.image({20, 10}).pixelColor(5, 5), QColor(Qt::black));
     EXPECT_EQ(symbol.image({20, 10}, Qt::green).pixelColor(5, 5), QColor(Qt::green));
-}
-
-TEST_F(SymbolImageTest, PaintsNothingWhenItCantBeRead) {
-    const SymbolImage symbol(directory.filePath(QStringLiteral("absent.svg")));
-    EXPECT_FALSE(symbol.isValid());
-    EXPECT_EQ(symbol.image({4, 4}, Qt::red).pixelColor(2, 2).alpha(), 0);
+    const SymbolImage absent(directory.filePath(QStringLiteral("absent.svg")));
+    EXPECT_FALSE(absent.isValid());
+    EXPECT_EQ(absent.image({4, 4}, Qt::red).pixelColor(2, 2).alpha(), 0);
 }
 
 } // namespace quorvale::platform::desktop

@@ -7,8 +7,6 @@
 #include <QTranslator>
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
 namespace quorvale::ui::menu {
 
 namespace {
@@ -37,17 +35,6 @@ QImage pictureOf(ProtectedState& view, int width) {
 
 } // namespace
 
-TEST(ProtectedStateTest, HasTwoLooks) {
-    const auto on = ProtectedLook::of(true);
-    EXPECT_EQ(on.symbol, QStringLiteral(":/symbols/lock.shield.svg"));
-    EXPECT_EQ(on.text, QStringLiteral("Protected"));
-    EXPECT_EQ(on.boxColor, SystemColors::green);
-    const auto off = ProtectedLook::of(false);
-    EXPECT_EQ(off.symbol, QStringLiteral(":/symbols/lock.circle.dotted.svg"));
-    EXPECT_EQ(off.text, QStringLiteral("Unprotected"));
-    EXPECT_EQ(off.boxColor, SystemColors::red);
-}
-
 TEST(ProtectedStateTest, LooksItsTextsUpAndShowsThoseWithoutEntryAsTheyAre) {
     const GermanTexts german;
     EXPECT_EQ(ProtectedLook::of(true).text, QStringLiteral("Geschützt"));
@@ -61,19 +48,33 @@ TEST(ProtectedStateTest, PutsIconAndTextWithTheirPaddingsIntoABoxOfFullWidth) {
     EXPECT_EQ(text, QRectF(33, 10, 152, 18));
 }
 
-TEST(ProtectedStateTest, PaintsARoundedBoxAndAWhiteSymbolInBothLooks) {
+TEST(ProtectedStateTest, ShowsARoundedBoxWithASymbolAndATextInBothLooks) {
+    struct Case {
+        bool isProtected;
+        const char* symbol;
+        const char* text;
+        QColor color;
+    };
+
+    const Case off{false, ":/symbols/lock.circle.dotted.svg", "Unprotected", SystemColors::red};
+    const Case on{true, ":/symbols/lock.shield.svg", "Protected", SystemColors::green};
     ProtectedState view(false, iconSize);
-    for (const auto isProtected : {false, true, false}) {
+    const auto* const accessible = QAccessible::queryAccessibleInterface(&view);
+    EXPECT_EQ(accessible->role(), QAccessible::StaticText);
+    EXPECT_EQ(accessible->text(QAccessible::Name), QLatin1String(off.text));
+    EXPECT_EQ(view.focusPolicy(), Qt::NoFocus);
+    for (const auto& [isProtected, symbol, text, color] : {off, on, off}) {
         view.setProtected(isProtected);
+        EXPECT_EQ(ProtectedLook::of(isProtected).symbol, QLatin1String(symbol));
+        EXPECT_EQ(view.text(), QLatin1String(text));
+        EXPECT_EQ(accessible->text(QAccessible::Name), QLatin1String(text));
         const auto image = pictureOf(view, 200);
-        const auto color = ProtectedLook::of(isProtected).boxColor;
         EXPECT_EQ(image.pixelColor(4, 19).alpha(), 0);
         EXPECT_EQ(image.pixelColor(5, 5).alpha(), 0) << "the corner is not round";
         for (const auto& inBox : {QPoint(5, 19), QPoint(194, 19), QPoint(100, 5), QPoint(7, 7), QPoint(8, 19)}) {
             EXPECT_EQ(image.pixelColor(inBox), color) << inBox.x() << ',' << inBox.y();
         }
         EXPECT_EQ(image.pixelColor(19, 21), QColor(Qt::white)) << "the padlock";
-        EXPECT_EQ(view.text(), ProtectedLook::of(isProtected).text);
     }
 }
 
@@ -83,17 +84,6 @@ TEST(ProtectedStateTest, CutsATextThatHasNoRoomAndStaysAsNarrowAsAsked) {
     const auto image = pictureOf(view, 60);
     EXPECT_EQ(image.pixelColor(54, 19), SystemColors::red);
     EXPECT_EQ(image.pixelColor(55, 19).alpha(), 0);
-}
-
-TEST(ProtectedStateTest, IsATextForAssistiveTechnologiesToo) {
-    ProtectedState view(false, iconSize);
-    const auto* const accessible = QAccessible::queryAccessibleInterface(&view);
-    EXPECT_EQ(accessible->role(), QAccessible::StaticText);
-    EXPECT_EQ(accessible->text(QAccessible::Name), QStringLiteral("Unprotected"));
-    EXPECT_EQ(view.focusPolicy(), Qt::NoFocus);
-
-    view.setProtected(true);
-    EXPECT_EQ(accessible->text(QAccessible::Name), QStringLiteral("Protected"));
 }
 
 } // namespace quorvale::ui::menu
