@@ -10,14 +10,14 @@ namespace quorvale::platform::desktop {
 
 class WindowScene::Window final : public QWidget {
 public:
-    explicit Window(Description& description) : QWidget(nullptr, Qt::Window), description_(description) {
+    explicit Window(WindowScene& scene) : QWidget(nullptr, Qt::Window), scene_(scene) {
         setAttribute(Qt::WA_DeleteOnClose);
-        setWindowTitle(description.title);
-        resize(description.initialSize);
+        setWindowTitle(scene.title());
+        resize(scene.size_);
         // A layout without a constraint of its own follows the limits of what is in it.
         auto* const layout = new QVBoxLayout(this);
         layout->setContentsMargins({});
-        layout->addWidget(description.makeContent());
+        layout->addWidget(scene.description_.makeContent());
         for (const auto key : {QKeySequence::Close, QKeySequence::Cancel}) {
             connect(new QShortcut(key, this), &QShortcut::activated, this, &QWidget::close);
         }
@@ -26,17 +26,19 @@ public:
 protected:
     void closeEvent(QCloseEvent* event) override {
         if (!isMaximized() && !isFullScreen()) {
-            description_.initialSize = size();
+            scene_.size_ = size();
         }
         QWidget::closeEvent(event);
+        // It is deleted later. Whoever opens the window until then wants one that stays.
+        scene_.window_.clear();
     }
 
 private:
-    Description& description_;
+    WindowScene& scene_;
 };
 
 WindowScene::WindowScene(Description description, QObject* parent)
-    : QObject(parent), description_(std::move(description)) {}
+    : QObject(parent), description_(std::move(description)), size_(description_.initialSize) {}
 
 WindowScene::~WindowScene() {
     delete window_;
@@ -44,7 +46,7 @@ WindowScene::~WindowScene() {
 
 void WindowScene::open() {
     if (!window_) {
-        window_ = new Window(description_);
+        window_ = new Window(*this);
     }
     window_->setWindowState(window_->windowState() & ~Qt::WindowMinimized);
     window_->show();

@@ -4,9 +4,10 @@
 #include <QPointer>
 #include <QSize>
 #include <QString>
-#include <QWidget>
 
 #include <functional>
+
+class QWidget;
 
 namespace quorvale::platform::desktop {
 
@@ -40,7 +41,8 @@ private:
     class Window;
 
     Description description_;
-    QPointer<Window> window_;
+    QSize size_;              ///< that the window had when it closed, or will have first
+    QPointer<Window> window_; ///< none, or one that isn't closed
 };
 
 } // namespace quorvale::platform::desktop
