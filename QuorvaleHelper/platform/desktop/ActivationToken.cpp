@@ -1,6 +1,6 @@
 #include "platform/desktop/ActivationToken.hpp"
 
-#include <QtGlobal>
+#include <QGuiApplication>
 
 namespace quorvale::platform::desktop {
 
@@ -11,13 +11,17 @@ constexpr auto variable = "XDG_ACTIVATION_TOKEN";
 } // namespace
 
 ActivationToken::ActivationToken(const QString& token) {
-    if (!token.isEmpty()) {
+    // Other threads may be reading the environment: it is changed only where the compositor knows the token.
+    if (!token.isEmpty() && QGuiApplication::platformName().startsWith(QLatin1String("wayland"))) {
+        isSet_ = true;
         qputenv(variable, token.toUtf8());
     }
 }
 
 ActivationToken::~ActivationToken() {
-    qunsetenv(variable);
+    if (isSet_) {
+        qunsetenv(variable);
+    }
 }
 
 QString ActivationToken::takeOwn() {

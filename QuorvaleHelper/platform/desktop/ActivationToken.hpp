@@ -18,6 +18,9 @@ public:
 
     ActivationToken(const ActivationToken&) = delete;
     ActivationToken& operator=(const ActivationToken&) = delete;
+
+private:
+    bool isSet_ = false;
 };
 
 } // namespace quorvale::platform::desktop

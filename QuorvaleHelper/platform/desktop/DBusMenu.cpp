@@ -80,6 +80,10 @@ public Q_SLOTS:
 
     uint GetLayout(int parentId, int recursionDepth, const QStringList& /*propertyNames*/,
                    quorvale::platform::desktop::MenuTree& layout) {
+        if (!isKnown(parentId)) {
+            refuse(QStringLiteral("There is no item %1.").arg(parentId));
+            return {};
+        }
         layout.node = nodeOf(parentId);
         if (parentId == rootId && recursionDepth != 0) {
             for (int id = rootId + 1; id <= itemCount(); ++id) {
@@ -100,13 +104,18 @@ public Q_SLOTS:
         return nodes;
     }
 
-    // Nothing can be no value on the bus: a property that isn't there is an empty text.
     QDBusVariant GetProperty(int id, const QString& name) {
-        return QDBusVariant(nodeOf(id).properties.value(name, QString()));
+        const auto value = isKnown(id) ? nodeOf(id).properties.value(name) : QVariant();
+        if (!value.isValid()) {
+            refuse(QStringLiteral("There is no property %1 of an item %2.").arg(name).arg(id));
+        }
+        return QDBusVariant(value);
     }
 
     void Event(int id, const QString& eventId, const QDBusVariant& /*data*/, uint /*timestamp*/) {
-        if (eventId == QLatin1String("clicked") && isKnown(id) && id != rootId) {
+        if (!isKnown(id)) {
+            refuse(QStringLiteral("There is no item %1.").arg(id));
+        } else if (eventId == QLatin1String("clicked") && id != rootId) {
             // Later: the panel waits for an answer, which a window that is being made would hold up.
             QTimer::singleShot(0, &menu_, menu_.items()[static_cast<std::size_t>(id - 1)].action);
         }
@@ -119,13 +128,12 @@ private:
 
     [[nodiscard]] bool isKnown(int id) const { return id >= rootId && id <= itemCount(); }
 
+    void refuse(const QString& why) const { menu_.sendErrorReply(QDBusError::InvalidArgs, why); }
+
     /// All properties, whichever were asked for.
     [[nodiscard]] MenuNode nodeOf(int id) const {
         if (id == rootId) {
             return {id, {{QStringLiteral("children-display"), QStringLiteral("submenu")}}};
-        }
-        if (!isKnown(id)) {
-            return {id, {}};
         }
         auto label = menu_.items()[static_cast<std::size_t>(id - 1)].label;
         // A single underscore would mark the key that chooses the item.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDBusConnection>
+#include <QDBusContext>
 #include <QObject>
 #include <QString>
 
@@ -20,7 +21,7 @@ using MenuItems = std::vector<MenuItem>;
 /// A menu that panels draw themselves: com.canonical.dbusmenu, in its version without
 /// groups of events, for a list of items that doesn't change. GUI thread.
 /// https://github.com/AyatanaIndicators/libdbusmenu/blob/master/libdbusmenu-glib/dbus-menu.xml
-class DBusMenu final : public QObject {
+class DBusMenu final : public QObject, public QDBusContext {
     Q_OBJECT
 
 public:

@@ -1,5 +1,7 @@
 #include "platform/desktop/StatusNotifierItem.hpp"
 
+#include "platform/desktop/ActivationToken.hpp"
+
 #include <QDBusAbstractAdaptor>
 #include <QDBusArgument>
 #include <QDBusMetaType>
@@ -116,7 +118,7 @@ public:
 
 public Q_SLOTS:
 
-    void Activate(int x, int y) { Q_EMIT item_.activated({x, y}, std::exchange(activationToken_, {})); }
+    void Activate(int x, int y) { Q_EMIT item_.activated({x, y}, item_.takeActivationToken()); }
 
     void SecondaryActivate(int x, int y) { Activate(x, y); }
 
@@ -124,7 +126,7 @@ public Q_SLOTS:
 
     void Scroll(int /*delta*/, const QString& /*orientation*/) {}
 
-    void ProvideXdgActivationToken(const QString& token) { activationToken_ = token; }
+    void ProvideXdgActivationToken(const QString& token) { item_.setActivationToken(token); }
 
 Q_SIGNALS:
     void NewToolTip();
@@ -133,7 +135,6 @@ Q_SIGNALS:
 private:
     StatusNotifierItem& item_;
     NotifierPixmaps pixmaps_;
-    QString activationToken_;
 };
 
 } // namespace
@@ -142,7 +143,7 @@ StatusNotifierItem::StatusNotifierItem(QDBusConnection bus, Description descript
     : QObject(parent),
       bus_(std::move(bus)),
       description_(std::move(description)),
-      menu_(bus_, description_.menu),
+      menu_(bus_, menuItems()),
       toolTip_(description_.title) {
     qDBusRegisterMetaType<NotifierPixmap>();
     qDBusRegisterMetaType<NotifierPixmaps>();
@@ -165,6 +166,17 @@ void StatusNotifierItem::setToolTip(const QString& text) {
 void StatusNotifierItem::setAnnouncements(Announcements announcements) {
     announcements_ = announcements;
     announce();
+}
+
+MenuItems StatusNotifierItem::menuItems() {
+    auto items = description_.menu;
+    for (auto& item : items) {
+        item.action = [this, action = std::move(item.action)] {
+            const ActivationToken token(takeActivationToken());
+            action();
+        };
+    }
+    return items;
 }
 
 void StatusNotifierItem::announce() {

@@ -8,6 +8,8 @@
 #include <QPoint>
 #include <QString>
 
+#include <utility>
+
 namespace quorvale::platform::desktop {
 
 /// The object behind an icon in the panel: org.kde.StatusNotifierItem at /StatusNotifierItem. GUI thread.
@@ -45,6 +47,12 @@ public:
 
     void setAnnouncements(Announcements announcements);
 
+    /// Keeps what a panel gave for the click that it tells of next.
+    void setActivationToken(const QString& token) { activationToken_ = token; }
+
+    /// Uses that token up; empty if there is none.
+    QString takeActivationToken() { return std::exchange(activationToken_, {}); }
+
 Q_SIGNALS:
     /// The user wants the item's window. `position` is where, in native pixels of the whole desktop, or (0, 0) from a
     /// panel that doesn't know. `activationToken` lets the window take the focus on Wayland; it may be empty. Both
@@ -55,11 +63,14 @@ Q_SIGNALS:
     void contextMenuRequested(QPoint position);
 
 private:
+    /// Those of the description, which may take the focus if the panel lets them.
+    MenuItems menuItems();
     void announce();
 
     QDBusConnection bus_;
     Description description_;
     DBusMenu menu_;
+    QString activationToken_;
     QString toolTip_;
     Announcements announcements_ = Announcements::Prompt;
     bool isAnnounced_ = true;

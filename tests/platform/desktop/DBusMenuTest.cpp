@@ -19,10 +19,12 @@ protected:
         return session.ask(message);
     }
 
-    void event(int id, const char* kind) const {
-        const auto reply =
-            call("Event", {id, QString::fromLatin1(kind), QVariant::fromValue(QDBusVariant(QString())), 0U});
-        EXPECT_EQ(reply.type(), QDBusMessage::ReplyMessage) << qPrintable(reply.errorMessage());
+    [[nodiscard]] QString errorOf(const char* member, const QVariantList& arguments) const {
+        return call(member, arguments).errorName();
+    }
+
+    [[nodiscard]] QString event(int id, const char* kind) const {
+        return errorOf("Event", {id, QString::fromLatin1(kind), QVariant::fromValue(QDBusVariant(QString())), 0U});
     }
 
     SessionBus session;
@@ -56,15 +58,19 @@ TEST_F(DBusMenuTest, ListsItsItemsForPanelsToDraw) {
 }
 
 TEST_F(DBusMenuTest, RunsTheActionOfTheItemThatIsChosenAndOfNoOther) {
-    for (const int wrong : {-1, 0, 2, 1'000'000}) {
-        event(wrong, "clicked");
-        EXPECT_EQ(call("GetProperty", {wrong, QStringLiteral("label")}).type(), QDBusMessage::ReplyMessage);
-        EXPECT_EQ(call("GetLayout", {wrong, 1, QStringList()}).type(), QDBusMessage::ReplyMessage);
+    const auto invalid = QStringLiteral("org.freedesktop.DBus.Error.InvalidArgs");
+    for (const int wrong : {-1, 2, 1'000'000}) {
+        EXPECT_EQ(event(wrong, "clicked"), invalid);
+        EXPECT_EQ(errorOf("GetProperty", {wrong, QStringLiteral("label")}), invalid);
+        EXPECT_EQ(errorOf("GetLayout", {wrong, 1, QStringList()}), invalid);
     }
-    event(1, "hovered");
-    event(1, "clicked");
+    EXPECT_EQ(errorOf("GetProperty", {1, QStringLiteral("icon-data")}), invalid);
+    EXPECT_EQ(errorOf("GetProperty", {1, QStringLiteral("label")}), QString());
+    for (const auto& [id, kind] : {std::pair{0, "clicked"}, {1, "hovered"}, {1, "clicked"}}) {
+        EXPECT_EQ(event(id, kind), QString());
+    }
     EXPECT_TRUE(tests::waitUntil([this] { return chosen == 1; }));
-    event(1, "clicked");
+    EXPECT_EQ(event(1, "clicked"), QString());
     EXPECT_TRUE(tests::waitUntil([this] { return chosen == 2; })) << "and nothing came in between";
 }
 

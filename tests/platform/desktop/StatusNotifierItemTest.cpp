@@ -87,9 +87,12 @@ protected:
     }
 
     SessionBus session;
-    StatusNotifierItem item{
-        session.program,
-        {QStringLiteral("com.quorvale.QuorvaleHelper"), QStringLiteral("Quorvale Helper"), icon(), {}}};
+    int chosen = 0;
+    StatusNotifierItem item{session.program,
+                            {QStringLiteral("com.quorvale.QuorvaleHelper"),
+                             QStringLiteral("Quorvale Helper"),
+                             icon(),
+                             {{QStringLiteral("Log"), [this] { ++chosen; }}}}};
 };
 
 TEST_F(StatusNotifierItemTest, TellsPanelsWhatItIs) {
@@ -126,7 +129,7 @@ TEST_F(StatusNotifierItemTest, OffersItsPicturesInNetworkByteOrder) {
     EXPECT_EQ(pixmaps[1].pixels.size(), 4 * 4 * 2);
 }
 
-TEST_F(StatusNotifierItemTest, IsActivatedByEitherButtonWithTheTokenGivenForIt) {
+TEST_F(StatusNotifierItemTest, UsesATokenUpWithWhatItWasGivenFor) {
     std::vector<std::pair<QPoint, QString>> activations;
     QObject::connect(&item, &StatusNotifierItem::activated,
                      [&](QPoint at, const QString& token) { activations.emplace_back(at, token); });
@@ -138,7 +141,16 @@ TEST_F(StatusNotifierItemTest, IsActivatedByEitherButtonWithTheTokenGivenForIt) 
     for (const auto& arguments : {QVariantList{}, {QStringLiteral("x"), 1}, {1, 2, 3}}) {
         EXPECT_EQ(call("Activate", arguments).type(), QDBusMessage::ErrorMessage);
     }
-    const std::vector<std::pair<QPoint, QString>> expected{{{1200, 12}, QStringLiteral("token")}, {{-5, 0}, QString()}};
+
+    EXPECT_EQ(call("ProvideXdgActivationToken", {QStringLiteral("token")}).type(), QDBusMessage::ReplyMessage);
+    auto choice = QDBusMessage::createMethodCall(session.program.baseService(), DBusMenu::path,
+                                                 QStringLiteral("com.canonical.dbusmenu"), QStringLiteral("Event"));
+    choice << 1 << QStringLiteral("clicked") << QVariant::fromValue(QDBusVariant(QString())) << 0U;
+    EXPECT_EQ(session.ask(choice).type(), QDBusMessage::ReplyMessage);
+    EXPECT_TRUE(tests::waitUntil([&] { return chosen == 1; }));
+    EXPECT_EQ(call("Activate", {0, 0}).type(), QDBusMessage::ReplyMessage);
+    const std::vector<std::pair<QPoint, QString>> expected{
+        {{1200, 12}, QStringLiteral("token")}, {{-5, 0}, QString()}, {{0, 0}, QString()}};
     EXPECT_EQ(activations, expected);
 }
 
