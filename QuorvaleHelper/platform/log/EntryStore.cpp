@@ -19,16 +19,6 @@ struct Header {
 
 constexpr std::size_t largestChunk = std::size_t{256} << 10;
 
-/// A library that uses AVX may leave the upper halves of the vector registers in use; Qt does when it makes a time
-/// zone. Until they are cleared, some processors run all code without AVX, such as ours, at a third of its speed.
-void clearVectorRegisters() {
-#if defined(__x86_64__)
-    if (__builtin_cpu_supports("avx")) {
-        asm volatile("vzeroupper");
-    }
-#endif
-}
-
 } // namespace
 
 EntryStore::Chunk::Chunk(std::size_t size) : bytes(std::make_unique_for_overwrite<std::byte[]>(size)), capacity(size) {}
@@ -81,7 +71,6 @@ EntryStore::Snapshot EntryStore::snapshot() const {
 }
 
 void EntryStore::Snapshot::walk(const std::function<void(const Entry&)>& visit) const {
-    clearVectorRegisters();
     for (const auto& [chunk, used] : chunks_) {
         for (std::size_t at = 0; at < used;) {
             Header header;

@@ -192,4 +192,8 @@ std::optional<std::string> characterAt(std::size_t position, std::string_view te
     return wellFormed(text.substr(begin, cursor.offset() - begin));
 }
 
+bool isDefaultIgnorable(char32_t character) {
+    return utf8proc_get_property(static_cast<utf8proc_int32_t>(character))->ignorable != 0;
+}
+
 } // namespace quorvale::platform::text

@@ -16,4 +16,8 @@ namespace quorvale::platform::text {
 /// well-formed, and a truncated sequence is one character, to which combining marks after it belong.
 std::optional<std::string> characterAt(std::size_t position, std::string_view text);
 
+/// Whether a character shows nothing where it isn't supported: Default_Ignorable_Code_Point of Unicode Standard Annex
+/// #44. Any thread.
+bool isDefaultIgnorable(char32_t character);
+
 } // namespace quorvale::platform::text

@@ -30,6 +30,16 @@ std::string plain(QString text) {
     return text.toStdString();
 }
 
+/// Qt leaves the upper halves of the vector registers in use when it works with time zones. Until they are cleared,
+/// some processors run all code without AVX, such as ours, at a third of its speed.
+void clearVectorRegisters() {
+#if defined(__x86_64__)
+    if (__builtin_cpu_supports("avx")) {
+        asm volatile("vzeroupper");
+    }
+#endif
+}
+
 } // namespace
 
 DisplayDate::DisplayDate(const QLocale& locale, const QTimeZone& timeZone)
@@ -40,6 +50,8 @@ DisplayDate::DisplayDate(const QLocale& locale, const QTimeZone& timeZone)
     if (const auto year = QLatin1String(twoDigitYear); dateFormat_.count(u'y') == year.size()) {
         dateFormat_.replace(year, QLatin1String("yyyy"));
     }
+    // The parts of a day, such as "in the afternoon", are the locale data's; Qt would show the letter for them.
+    timeFormat_.replace(u'B', QLatin1String("AP"));
 }
 
 const std::string& DisplayDate::text(std::chrono::system_clock::time_point date) {
@@ -60,6 +72,7 @@ void DisplayDate::findOffset(std::int64_t utc) {
     offset_ = timeZone_.offsetFromUtc(moment);
     offsetSince_ = utc;
     offsetUntil_ = next.isValid() ? next.toSecsSinceEpoch() : std::numeric_limits<std::int64_t>::max();
+    clearVectorRegisters();
 }
 
 void DisplayDate::compose() {

@@ -7,6 +7,7 @@
 #include <QFocusEvent>
 #include <QFontMetricsF>
 #include <QKeyEvent>
+#include <QLayout>
 #include <QPainter>
 #include <QScopedValueRollback>
 #include <QScrollBar>
@@ -21,6 +22,7 @@ namespace {
 
 constexpr int padding = 8;
 constexpr int hairline = 1;
+constexpr int scrollBarInset = 5; // out of the way of the round corners
 constexpr int focusRing = 2;
 
 // A text up to these is laid out whole, in a few milliseconds.
@@ -66,7 +68,7 @@ protected:
         painter.fillPath(corners, palette().window());
 
         auto color = palette().color(isFocusShown_ ? QPalette::Highlight : QPalette::WindowText);
-        color.setAlphaF(isFocusShown_ ? 1 : 0.15F);
+        color.setAlphaF(isFocusShown_ ? 1 : 0.25F);
         const auto width = isFocusShown_ ? focusRing : hairline;
         const auto inset = width / 2.0;
         painter.strokePath(
@@ -90,7 +92,11 @@ EntryView::EntryView(Items items, QWidget* parent)
     setFocusPolicy(Qt::StrongFocus);
     viewport()->setBackgroundRole(QPalette::Base);
     viewport()->setForegroundRole(QPalette::Text);
-    verticalScrollBar()->parentWidget()->installEventFilter(this);
+    auto& beside = *verticalScrollBar()->parentWidget();
+    beside.installEventFilter(this);
+    beside.setBackgroundRole(QPalette::Base);
+    beside.setAutoFillBackground(true);
+    beside.layout()->setContentsMargins(0, scrollBarInset, 2 * hairline, scrollBarInset);
 }
 
 void EntryView::setItems(Items items) {
@@ -101,6 +107,7 @@ void EntryView::setItems(Items items) {
     layOutAgain();
     QAccessibleEvent changed(this, QAccessible::VisibleDataChanged);
     QAccessible::updateAccessibility(&changed);
+    EntryViewAccessible::announceScrolling(*this);
 }
 
 void EntryView::scrollTo(std::size_t segment) {
@@ -300,6 +307,9 @@ void EntryView::moveBy(std::int64_t pixels) {
     }
     value_ = bar.value();
     viewport()->update();
+    if (std::exchange(announcedTop_, top_) != top_) {
+        EntryViewAccessible::announceScrolling(*this);
+    }
 }
 
 /// Where the scroll bar is when the text is at neither end. Near an end it goes by what is really there: were less left

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <limits>
 #include <optional>
+#include <tuple>
 #include <utility>
 
 namespace quorvale::ui::logs {
@@ -80,6 +81,8 @@ public:
         state.readOnly = true;
         state.multiLine = true;
         state.invisible = !view_->isVisible();
+        state.focusable = true;
+        state.focused = view_->hasFocus();
         return state;
     }
 
@@ -210,6 +213,17 @@ void EntryViewAccessible::install() {
     }();
 }
 
+void EntryViewAccessible::announceScrolling(EntryView& view) {
+    if (!QAccessible::isActive()) {
+        return;
+    }
+    auto* const row = QAccessible::queryAccessibleInterface(&view)->child(0);
+    QAccessibleEvent name(row, QAccessible::NameChanged);
+    QAccessible::updateAccessibility(&name);
+    QAccessibleTextCursorEvent caret(row, row->textInterface()->cursorPosition());
+    QAccessible::updateAccessibility(&caret);
+}
+
 EntryViewAccessible::EntryViewAccessible(EntryView& view)
     : QAccessibleWidget(&view, QAccessible::List), row_(new Row(view)) {
     QAccessible::registerAccessibleInterface(row_);
@@ -229,6 +243,10 @@ QAccessibleInterface* EntryViewAccessible::child(int index) const {
 
 int EntryViewAccessible::indexOfChild(const QAccessibleInterface* child) const {
     return child == row_ ? 0 : -1;
+}
+
+QAccessibleInterface* EntryViewAccessible::focusChild() const {
+    return row_->state().focused ? row_ : nullptr;
 }
 
 QAccessibleInterface* EntryViewAccessible::childAt(int x, int y) const {

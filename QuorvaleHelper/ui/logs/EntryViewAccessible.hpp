@@ -9,11 +9,14 @@
 namespace quorvale::ui::logs {
 
 /// What assistive technologies see of an `EntryView`: a list with one item, which has the row's text. The text is
-/// measured once it is asked for by offsets, which takes a tenth of a second for a hundred megabytes.
+/// measured once it is asked for by offsets, which takes some tenths of a second for a hundred megabytes.
 class EntryViewAccessible final : public QAccessibleWidget {
 public:
     /// Has every `EntryView` of the process described by this class.
     static void install();
+
+    /// Tells of another visible piece of the text, which is the row's name, and of the caret that goes with it.
+    static void announceScrolling(EntryView& view);
 
     explicit EntryViewAccessible(EntryView& view);
     ~EntryViewAccessible() override;
@@ -24,6 +27,7 @@ public:
     [[nodiscard]] QAccessibleInterface* child(int index) const override;
     int indexOfChild(const QAccessibleInterface* child) const override;
     [[nodiscard]] QAccessibleInterface* childAt(int x, int y) const override;
+    [[nodiscard]] QAccessibleInterface* focusChild() const override;
 
 private:
     class Row;

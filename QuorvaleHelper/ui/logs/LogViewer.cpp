@@ -6,8 +6,10 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QShowEvent>
+#include <QStyle>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <utility>
 
 namespace quorvale::ui::logs {
@@ -30,7 +32,10 @@ LogViewer::LogViewer(LogStore& logs, platform::queue::MainQueue& mainQueue, std:
     : logs_(logs), mainQueue_(mainQueue), entryView_(new EntryView(joined(logs))) {
     entryView_->setAccessibleName(common::localized("Log"));
     auto* const done = new QPushButton(common::localized("Done"));
-    done->setMaximumWidth(buttonWidth);
+    // A label that needs more, in a large font, gets it.
+    done->ensurePolished();
+    const auto margin = style()->pixelMetric(QStyle::PM_ButtonMargin, nullptr, done);
+    done->setFixedWidth(std::max(buttonWidth, done->fontMetrics().horizontalAdvance(done->text()) + 2 * margin));
     connect(done, &QPushButton::clicked, this, [dismiss = std::move(dismiss)] { dismiss(); });
 
     auto* const row = new QHBoxLayout;

@@ -1,32 +1,61 @@
 #include "ui/logs/displayText.hpp"
 
+#include "platform/text/Characters.hpp"
+
+#include <QStringDecoder>
+
 namespace quorvale::ui::logs {
 
 namespace {
 
-constexpr char16_t replacement = u'\uFFFD';
+constexpr char32_t replacement = U'\uFFFD';
 
-constexpr char16_t shown(char16_t unit) {
-    if (unit < 0x20) {
-        return unit == u'\t' ? unit : static_cast<char16_t>(u'\u2400' + unit);
+bool isWithin(char32_t character, char32_t first, char32_t last) {
+    return character >= first && character <= last;
+}
+
+/// Zero-width joiners and variation selectors: without a shape of their own, but not without an effect.
+bool shapesOthers(char32_t character) {
+    return isWithin(character, U'\u200C', U'\u200D') || isWithin(character, U'\uFE00', U'\uFE0F') ||
+           isWithin(character, U'\U000E0100', U'\U000E01EF');
+}
+
+char32_t shown(char32_t character) {
+    if (character < 0x20) {
+        return character == U'\t' ? character : U'\u2400' + character;
     }
-    if (unit == 0x7F) {
-        return u'\u2421';
+    if (character < 0x7F) {
+        return character;
     }
-    const auto isControl = unit >= 0x80 && unit < 0xA0;
-    const auto changesDirection = unit == u'\u061C' || unit == u'\u200E' || unit == u'\u200F' ||
-                                  (unit >= u'\u202A' && unit <= u'\u202E') || (unit >= u'\u2066' && unit <= u'\u2069');
-    const auto separatesLines = unit == u'\u2028' || unit == u'\u2029';
-    const auto standsForAnObject = unit == u'\uFFFC';
-    return isControl || changesDirection || separatesLines || standsForAnObject ? replacement : unit;
+    if (character == 0x7F) {
+        return U'\u2421';
+    }
+    const auto isControl = character < 0xA0;
+    const auto separatesLines = isWithin(character, U'\u2028', U'\u2029');
+    // The controls of direction are among them, and tags, which repeat ASCII unseen.
+    const auto isUnseen = platform::text::isDefaultIgnorable(character) && !shapesOthers(character);
+    // Annotations, and what stands for an object.
+    const auto isSpecial = isWithin(character, U'\uFFF9', U'\uFFFC');
+    return isControl || separatesLines || isUnseen || isSpecial ? replacement : character;
 }
 
 } // namespace
 
 QString displayText(std::string_view utf8) {
-    auto text = QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
-    for (auto& unit : text) {
-        unit = shown(unit.unicode());
+    // Not QString's own conversion, which leaves out a byte order mark at the beginning.
+    QStringDecoder decoder(QStringDecoder::Utf8,
+                           QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
+    QString text = decoder(QByteArrayView(utf8.data(), static_cast<qsizetype>(utf8.size())));
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (text[i].isHighSurrogate() && i + 1 < text.size()) {
+            if (shown(QChar::surrogateToUcs4(text[i], text[i + 1])) == replacement) {
+                text.replace(i, 2, QChar::ReplacementCharacter);
+            } else {
+                ++i;
+            }
+        } else {
+            text[i] = QChar(static_cast<char16_t>(shown(text[i].unicode())));
+        }
     }
     return text;
 }

@@ -33,6 +33,7 @@ TEST(DisplayDateTest, FollowsLocaleAndTimeZone) {
              {"de_DE", "Europe/Berlin", utc(2026, 12, 31, 23, 0), "01.01.2027, 00:00"},
              {"en_US", "America/New_York", utc(2026, 1, 1, 0, 30), "12/31/2025, 7:30 PM"},
              {"en_GB", "Asia/Kathmandu", afternoon, "16/11/2026, 21:32"},
+             {"zh_TW", "UTC", afternoon, "2026/11/16, 下午3:47"},
              {"C", "UTC", afternoon, "11/16/2026, 3:47 PM"},
              {"en_US", "UTC", utc(1969, 12, 31, 23, 59, 59), "12/31/1969, 11:59 PM"},
          }) {

@@ -93,6 +93,8 @@ TEST(DisplayTextTest, HidesNothingAndMovesNothing) {
              {{"\0\x1B[31m\r\x7F\t|", 10}, QStringLiteral("\u2400\u241B[31m\u240D\u2421\t|")},
              {"a\u202Eb\u2066c\u200Fd\u061C", QStringLiteral("a\uFFFDb\uFFFDc\uFFFDd\uFFFD")},
              {"a\u2028b\u2029c\u0085d\uFFFC", QStringLiteral("a\uFFFDb\uFFFDc\uFFFDd\uFFFD")},
+             {"\uFEFFa\u200Bb\u00ADc\U000E0041d", QStringLiteral("\uFFFDa\uFFFDb\uFFFDc\uFFFDd")},
+             {"\u2764\uFE0F \u0646\u200C\u0647", QStringLiteral("\u2764\uFE0F \u0646\u200C\u0647")},
              {"\xFF\xC3(\xE2\x82", QStringLiteral("\uFFFD\uFFFD(\uFFFD\uFFFD")},
              {"Gr\u00FC\u00DFe \u05E9\u05DC\u05D5\u05DD \U0001F512", QStringLiteral("Grüße שלום 🔒")},
          }) {

@@ -4,6 +4,7 @@
 #include "support/waitUntil.hpp"
 #include "ui/logs/EntryView.hpp"
 
+#include <QApplication>
 #include <QPushButton>
 #include <QTest>
 #include <gtest/gtest.h>
@@ -101,7 +102,7 @@ TEST_F(LogViewerTest, KeepsTheListAndDoneInsideThePaddingAtEverySize) {
         viewer.show();
         const auto inside = QRect(QPoint(), size).adjusted(20, 20, -20, -20);
         EXPECT_EQ(done().geometry().bottomRight(), inside.bottomRight());
-        EXPECT_LE(done().width(), 80);
+        EXPECT_EQ(done().width(), 80);
         EXPECT_EQ(list().geometry().topLeft(), inside.topLeft());
         EXPECT_EQ(list().geometry().right(), inside.right());
         EXPECT_EQ(done().geometry().top() - list().geometry().bottom() - 1, 20);
@@ -109,6 +110,13 @@ TEST_F(LogViewerTest, KeepsTheListAndDoneInsideThePaddingAtEverySize) {
     EXPECT_EQ(done().text(), QStringLiteral("Done"));
     QTest::mouseClick(&done(), Qt::LeftButton);
     EXPECT_EQ(dismissals, 1);
+
+    auto font = QApplication::font();
+    font.setPixelSize(60);
+    QApplication::setFont(font, "QPushButton");
+    const LogViewer large(logs, mainQueue, [] {});
+    EXPECT_GT(large.findChild<QPushButton*>()->width(), QFontMetrics(font).horizontalAdvance(QStringLiteral("Done")));
+    QApplication::setFont({}, "QPushButton");
 }
 
 } // namespace quorvale::ui::logs
