@@ -25,10 +25,14 @@ namespace {
 
 constexpr QSize windowSize(720, 480);
 
+/// What a closed window may leave behind: fonts, glyphs and the toolkit's own. Mebibytes.
+constexpr double keptByView = 4;
+
 /// What showing a log took. Milliseconds, and mebibytes beyond what the process had before.
 struct Cost {
     double load;
     double firstPaint;
+    double loaded; ///< before there is a view
     double shown;
     double closed;
 };
@@ -60,6 +64,7 @@ Cost ours(std::size_t count) {
     Cost cost{};
     const auto before = memory();
     cost.load = milliseconds([&] { log.lines.loadEntries(); });
+    cost.loaded = memory() - before;
     std::unique_ptr<ui::logs::LogViewer> window;
     cost.firstPaint = milliseconds([&] {
         window = std::make_unique<ui::logs::LogViewer>(log.lines, mainQueue, [] {});
@@ -109,10 +114,11 @@ std::optional<Cost> measureApart(const QString& side, std::size_t count) {
     process.start(QCoreApplication::applicationFilePath(), {side, QString::number(count)});
     process.waitForFinished(-1);
     const auto fields = process.readAllStandardOutput().split(' ');
-    if (process.exitStatus() != QProcess::NormalExit || fields.size() != 4) {
+    if (process.exitStatus() != QProcess::NormalExit || fields.size() != 5) {
         return std::nullopt;
     }
-    return Cost{fields[0].toDouble(), fields[1].toDouble(), fields[2].toDouble(), fields[3].toDouble()};
+    return Cost{fields[0].toDouble(), fields[1].toDouble(), fields[2].toDouble(), fields[3].toDouble(),
+                fields[4].toDouble()};
 }
 
 /// lnav writes the lines of a file, as it does without a terminal.
@@ -135,22 +141,22 @@ std::optional<Cost> lnav(std::size_t count) {
     }
     rusage usage{};
     getrusage(RUSAGE_CHILDREN, &usage);
-    return Cost{time, 0, static_cast<double>(usage.ru_maxrss) / 1024, 0};
+    return Cost{time, 0, 0, static_cast<double>(usage.ru_maxrss) / 1024, 0};
 }
 
 void print(std::size_t count, const char* what, const std::optional<Cost>& cost, const char* demanded = "") {
     if (cost) {
-        std::printf("%9zu  %-16s %10.1f %12.1f %12.0f %10.1f %10.1f  %s\n", count, what, cost->load, cost->firstPaint,
-                    1e6 * (cost->load + cost->firstPaint) / static_cast<double>(count), cost->shown, cost->closed,
-                    demanded);
+        std::printf("%9zu  %-16s %10.1f %12.1f %12.0f %11.1f %10.1f %11.1f  %s\n", count, what, cost->load,
+                    cost->firstPaint, 1e6 * (cost->load + cost->firstPaint) / static_cast<double>(count), cost->loaded,
+                    cost->shown, cost->closed, demanded);
     } else {
         std::printf("%9zu  %-16s failed\n", count, what);
     }
 }
 
 int compareAll() {
-    std::printf("%9s  %-16s %10s %12s %12s %10s %10s  %s\n", "lines", "", "load, ms", "1st paint, ms", "ns per line",
-                "shown, MiB", "closed, MiB", "demanded of ours");
+    std::printf("%9s  %-16s %10s %12s %12s %11s %10s %11s  %s\n", "lines", "", "load, ms", "paint, ms", "ns per line",
+                "loaded, MiB", "shown, MiB", "closed, MiB", "demanded of ours");
     bool allMet = true;
     for (const std::size_t count : {10'000UL, 100'000UL, 1'000'000UL}) {
         // First, because a child's share of the memory is that of the largest child so far.
@@ -158,11 +164,11 @@ int compareAll() {
         const auto cost = measureApart(QStringLiteral("ours"), count);
         const auto isMost = count == 1'000'000;
         const auto isMet = cost && (!isMost || (cost->load <= 150 && cost->firstPaint <= 50 && cost->shown <= 250 &&
-                                                cost->closed < cost->shown));
+                                                cost->closed <= cost->loaded + keptByView));
         print(count, "ours", cost,
               !isMost ? ""
-              : isMet ? "<= 150, <= 50, shown <= 250, closed less: met"
-                      : "<= 150, <= 50, shown <= 250, closed less: MISSED");
+              : isMet ? "<= 150, <= 50, shown <= 250, closed as loaded: met"
+                      : "<= 150, <= 50, shown <= 250, closed as loaded: MISSED");
         print(count, "QPlainTextEdit", measureApart(QStringLiteral("plain-text-edit"), count));
         print(count, "lnav -n", reader, "(its whole process)");
         allMet = allMet && isMet;
@@ -172,7 +178,7 @@ int compareAll() {
 
 int measure(std::string_view side, std::size_t count) {
     const auto cost = side == "ours" ? ours(count) : plainTextEdit(count);
-    std::printf("%f %f %f %f", cost.load, cost.firstPaint, cost.shown, cost.closed);
+    std::printf("%f %f %f %f %f", cost.load, cost.firstPaint, cost.loaded, cost.shown, cost.closed);
     return EXIT_SUCCESS;
 }
 
