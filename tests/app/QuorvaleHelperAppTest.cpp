@@ -97,6 +97,21 @@ TEST_F(QuorvaleHelperAppTest, RunsOnceInASession) {
     EXPECT_TRUE(helper.process().running());
 }
 
+TEST_F(QuorvaleHelperAppTest, RefusesAnActionThatItDoesNotHave) {
+    HelperProcess helper(systemBus_, sessionBus_);
+    ASSERT_TRUE(helper.logs("info Quorvale Helper launched"));
+    const auto bus =
+        QDBusConnection::connectToBus(QString::fromStdString(sessionBus_.address()), QStringLiteral("launcher"));
+    auto action = QDBusMessage::createMethodCall(
+        QStringLiteral("com.quorvale.QuorvaleHelper"), QStringLiteral("/com/quorvale/QuorvaleHelper"),
+        QStringLiteral("org.freedesktop.Application"), QStringLiteral("ActivateAction"));
+    for (const auto& [name, error] : {std::pair{"log", "org.freedesktop.DBus.Error.InvalidArgs"}, {"log-viewer", ""}}) {
+        action.setArguments({QString::fromLatin1(name), QVariantList(), QVariantMap()});
+        EXPECT_EQ(bus.call(action).errorName(), QString::fromLatin1(error));
+    }
+    QDBusConnection::disconnectFromBus(QStringLiteral("launcher"));
+}
+
 TEST_F(QuorvaleHelperAppTest, PassesItsLeaveToTakeTheFocusOnToTheOneThatRuns) {
     auto bus = QDBusConnection::connectToBus(QString::fromStdString(sessionBus_.address()), QStringLiteral("first"));
     FirstInstance first;
