@@ -14,10 +14,11 @@ namespace {
 /// Whether the pointer can be had. Qt doesn't tell: through XInput 2 it takes any answer to its request for a success.
 bool pointerIsFree(QWindow& window) {
     const auto* const x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    if (!x11) {
+    // Platforms without an X server may have the interface, too.
+    auto* const connection = x11 ? x11->connection() : nullptr;
+    if (!connection) {
         return true;
     }
-    auto* const connection = x11->connection();
     const auto cookie =
         xcb_grab_pointer(connection, 0, static_cast<xcb_window_t>(window.winId()), 0, XCB_GRAB_MODE_ASYNC,
                          XCB_GRAB_MODE_ASYNC, XCB_NONE, XCB_NONE, XCB_CURRENT_TIME);

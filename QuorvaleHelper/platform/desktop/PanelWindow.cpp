@@ -3,6 +3,7 @@
 #include "platform/desktop/InputGrab.hpp"
 #include "platform/desktop/PanelPlacement.hpp"
 
+#include <QCloseEvent>
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -21,6 +22,7 @@ constexpr qreal cornerRadius = 8;
 constexpr int borderWidth = 1;
 constexpr int grabInterval = 20;  // milliseconds
 constexpr qint64 sameClick = 300; // milliseconds
+constexpr qint64 lateNews = 200;  // milliseconds
 
 QPainterPath outline(const QRectF& rect, qreal radius) {
     QPainterPath path;
@@ -81,6 +83,7 @@ bool PanelWindow::event(QEvent* event) {
 
 void PanelWindow::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
+    sinceShown_.start();
     // The panel under the icon may hold the pointer until the button is up again, and nobody tells when.
     if (presentation_ == Presentation::AnchoredPopup) {
         grabTimer_.start(grabInterval, this);
@@ -96,6 +99,14 @@ void PanelWindow::hideEvent(QHideEvent* event) {
     }
     QWidget::hideEvent(event);
     Q_EMIT visibilityChanged(false);
+}
+
+void PanelWindow::closeEvent(QCloseEvent* event) {
+    // Qt waits a tenth of a second before it believes that the program has lost the focus, when this window was last
+    // hidden, and then closes all popups, also one that was opened meanwhile.
+    if (presentation_ == Presentation::AnchoredPopup && !sinceShown_.hasExpired(lateNews)) {
+        event->ignore();
+    }
 }
 
 void PanelWindow::resizeEvent(QResizeEvent* event) {

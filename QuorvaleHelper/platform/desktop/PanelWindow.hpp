@@ -41,6 +41,7 @@ protected:
     bool event(QEvent* event) override;
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
@@ -55,6 +56,7 @@ private:
     QPoint anchor_;
     QBasicTimer grabTimer_;
     QElapsedTimer sinceFocusLoss_;
+    QElapsedTimer sinceShown_;
     bool pressedOutside_ = false;
 };
 
