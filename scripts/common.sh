@@ -50,3 +50,9 @@ wait_for() {
     sleep 0.05
   done
 }
+
+# Has the helper that runs in this session open its log window.
+open_log_window() {
+  gdbus call --session --dest com.quorvale.QuorvaleHelper --object-path /com/quorvale/QuorvaleHelper \
+    --method org.freedesktop.Application.ActivateAction log-viewer '[]' '{}' >/dev/null
+}

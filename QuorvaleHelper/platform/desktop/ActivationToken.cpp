@@ -1,6 +1,8 @@
 #include "platform/desktop/ActivationToken.hpp"
 
-#include <QGuiApplication>
+#include "platform/desktop/WindowSystem.hpp"
+
+#include <QtGlobal>
 
 namespace quorvale::platform::desktop {
 
@@ -12,7 +14,7 @@ constexpr auto variable = "XDG_ACTIVATION_TOKEN";
 
 ActivationToken::ActivationToken(const QString& token) {
     // Other threads may be reading the environment: it is changed only where the compositor knows the token.
-    if (!token.isEmpty() && QGuiApplication::platformName().startsWith(QLatin1String("wayland"))) {
+    if (!token.isEmpty() && windowSystem() == WindowSystem::Wayland) {
         isSet_ = true;
         qputenv(variable, token.toUtf8());
     }

@@ -80,8 +80,7 @@ public Q_SLOTS:
 
     uint GetLayout(int parentId, int recursionDepth, const QStringList& /*propertyNames*/,
                    quorvale::platform::desktop::MenuTree& layout) {
-        if (!isKnown(parentId)) {
-            refuse(QStringLiteral("There is no item %1.").arg(parentId));
+        if (refusesUnknown(parentId)) {
             return {};
         }
         layout.node = nodeOf(parentId);
@@ -105,17 +104,18 @@ public Q_SLOTS:
     }
 
     QDBusVariant GetProperty(int id, const QString& name) {
-        const auto value = isKnown(id) ? nodeOf(id).properties.value(name) : QVariant();
+        if (refusesUnknown(id)) {
+            return {};
+        }
+        const auto value = nodeOf(id).properties.value(name);
         if (!value.isValid()) {
-            refuse(QStringLiteral("There is no property %1 of an item %2.").arg(name).arg(id));
+            refuse(QStringLiteral("There is no property %1.").arg(name));
         }
         return QDBusVariant(value);
     }
 
     void Event(int id, const QString& eventId, const QDBusVariant& /*data*/, uint /*timestamp*/) {
-        if (!isKnown(id)) {
-            refuse(QStringLiteral("There is no item %1.").arg(id));
-        } else if (eventId == QLatin1String("clicked") && id != rootId) {
+        if (!refusesUnknown(id) && eventId == QLatin1String("clicked") && id != rootId) {
             // Later: the panel waits for an answer, which a window that is being made would hold up.
             QTimer::singleShot(0, &menu_, menu_.items()[static_cast<std::size_t>(id - 1)].action);
         }
@@ -129,6 +129,14 @@ private:
     [[nodiscard]] bool isKnown(int id) const { return id >= rootId && id <= itemCount(); }
 
     void refuse(const QString& why) const { menu_.sendErrorReply(QDBusError::InvalidArgs, why); }
+
+    [[nodiscard]] bool refusesUnknown(int id) const {
+        const auto isUnknown = !isKnown(id);
+        if (isUnknown) {
+            refuse(QStringLiteral("There is no item %1.").arg(id));
+        }
+        return isUnknown;
+    }
 
     /// All properties, whichever were asked for.
     [[nodiscard]] MenuNode nodeOf(int id) const {

@@ -1,6 +1,7 @@
 #include "platform/desktop/MenuBarExtra.hpp"
 
 #include "platform/desktop/ActivationToken.hpp"
+#include "platform/desktop/WindowSystem.hpp"
 
 #include <QGuiApplication>
 #include <QScreen>
@@ -12,9 +13,8 @@ namespace quorvale::platform::desktop {
 namespace {
 
 PanelWindow::Presentation presentation() {
-    return QGuiApplication::platformName().startsWith(QLatin1String("wayland"))
-               ? PanelWindow::Presentation::PlacedByCompositor
-               : PanelWindow::Presentation::AnchoredPopup;
+    return windowSystem() == WindowSystem::Wayland ? PanelWindow::Presentation::PlacedByCompositor
+                                                   : PanelWindow::Presentation::AnchoredPopup;
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "platform/desktop/StatusIcon.hpp"
 
 #include "platform/desktop/PanelPlacement.hpp"
+#include "platform/desktop/WindowSystem.hpp"
 
 #include <QCursor>
 #include <QGuiApplication>
@@ -14,10 +15,6 @@
 namespace quorvale::platform::desktop {
 
 namespace {
-
-bool onX11() {
-    return QGuiApplication::platformName() == QLatin1String("xcb");
-}
 
 QPoint anchorFor(QPoint panelsWord) {
     std::vector<ScreenGeometry> screens;
@@ -37,7 +34,7 @@ StatusIcon::StatusIcon(const QDBusConnection& bus, StatusNotifierItem::Descripti
     }
     connect(&item_, &StatusNotifierItem::contextMenuRequested, this, [this](QPoint position) {
         // A Wayland client can't place a menu that no window of its own is under; panels there draw it themselves.
-        if (onX11()) {
+        if (windowSystem() == WindowSystem::X11) {
             menu_.popup(anchorFor(position));
         }
     });
@@ -74,7 +71,7 @@ void StatusIcon::followHost() {
         trayIcon_.reset();
         break;
     case StatusNotifierHostWatch::Host::Absent:
-        if (!trayIcon_ && onX11()) {
+        if (!trayIcon_ && windowSystem() == WindowSystem::X11) {
             absence_.start(static_cast<int>(std::chrono::milliseconds(hostGrace).count()), this);
         }
         break;

@@ -104,10 +104,10 @@ void EntryView::setItems(Items items) {
     segments_ = TextSegments(*items_.front());
     top_ = 0;
     hidden_ = 0;
+    announcedTop_.reset();
     layOutAgain();
     QAccessibleEvent changed(this, QAccessible::VisibleDataChanged);
     QAccessible::updateAccessibility(&changed);
-    EntryViewAccessible::announceScrolling(*this);
 }
 
 void EntryView::scrollTo(std::size_t segment) {

@@ -9,6 +9,7 @@
 #include <array>
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <string>
 #include <unordered_map>
 
@@ -95,7 +96,7 @@ private:
     std::size_t top_ = 0;
     int hidden_ = 0;
     bool isAtEnd_ = false;
-    std::size_t announcedTop_ = 0; ///< what assistive technologies were told of
+    std::optional<std::size_t> announcedTop_ = 0; ///< what assistive technologies were told of
 
     std::int64_t pixelsPerValue_ = 1; ///< of the scroll bar
     int value_ = 0;                   ///< the scroll bar's, as it was set last
