@@ -66,7 +66,8 @@ constexpr auto as = [](auto&& value) { return Result{std::forward<decltype(value
 template <typename Basic>
 std::optional<Basic> readBasic(sd_bus_message* message, char type) {
     Basic value{};
-    return sd_bus_message_read_basic(message, type, &value) > 0 ? std::optional(value) : std::nullopt;
+    return sd_bus_message_read_basic(message, type, static_cast<void*>(&value)) > 0 ? std::optional(value)
+                                                                                    : std::nullopt;
 }
 
 std::optional<std::string> readText(sd_bus_message* message) {

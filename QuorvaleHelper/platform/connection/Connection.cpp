@@ -10,7 +10,6 @@
 #include <climits>
 #include <cstdint>
 #include <cstdlib>
-#include <cstring>
 #include <map>
 #include <mutex>
 #include <poll.h>
@@ -26,7 +25,6 @@ namespace quorvale::platform::connection {
 namespace {
 
 constexpr auto busName = "org.freedesktop.DBus";
-constexpr auto busPath = "/org/freedesktop/DBus";
 
 struct Release {
     void operator()(sd_bus* bus) const { sd_bus_close_unref(bus); }
@@ -41,6 +39,10 @@ std::string textOf(const char* text) {
     return text ? text : "";
 }
 
+std::string senderOf(sd_bus_message* message) {
+    return textOf(sd_bus_message_get_sender(message));
+}
+
 bool isError(sd_bus_message* answer) {
     return sd_bus_message_is_method_error(answer, nullptr) > 0;
 }
@@ -50,13 +52,10 @@ Error errorOf(sd_bus_message* answer) {
     return {textOf(error->name), textOf(error->message)};
 }
 
-bool isFromBus(sd_bus_message* message) {
-    return textOf(sd_bus_message_get_sender(message)) == busName;
-}
-
 /// Whether a one-way message came back. Any answer of the peer, and its end before it gave one, tells that it arrived.
 bool isUndelivered(sd_bus_message* answer) {
-    return isError(answer) && isFromBus(answer) && sd_bus_message_is_method_error(answer, SD_BUS_ERROR_NO_REPLY) == 0;
+    return isError(answer) && senderOf(answer) == busName &&
+           sd_bus_message_is_method_error(answer, SD_BUS_ERROR_NO_REPLY) == 0;
 }
 
 /// None when the system bus doesn't take a connection at once. Nothing is received, and no message sent, before the
@@ -93,13 +92,16 @@ public:
         } catch (const std::system_error&) {
             return nullptr;
         }
-        return {channel.release(), [](Channel* last) { last->post([last] { last->retire(); }); }};
+        return {channel.release(), [](Channel* last) {
+                    last->post([last] {
+                        last->with_.onInvalidation = {};
+                        last->becomeInvalid();
+                        last->isRetired_ = true;
+                    });
+                }};
     }
 
     ~Channel() { ::close(wakeUp_); }
-
-    Channel(const Channel&) = delete;
-    Channel& operator=(const Channel&) = delete;
 
     /// Runs `work` on the connection's thread, after everything that was posted before. Any thread.
     void post(Work work) {
@@ -119,11 +121,11 @@ public:
             onError(disconnected());
             return;
         }
-        const auto sent = call(address_.name.c_str(), address_.objectPath.c_str(), interface.c_str(),
-                               std::string(method.name).c_str(), [&](sd_bus_message* message) {
-                                   return std::ranges::all_of(
-                                       arguments, [&](const auto& argument) { return append(message, argument); });
-                               });
+        const auto appendArguments = [&](sd_bus_message* message) {
+            return std::ranges::all_of(arguments, [&](const auto& argument) { return append(message, argument); });
+        };
+        const auto sent =
+            call(address_.name, address_.objectPath, interface, std::string(method.name), appendArguments);
         if (!sent) {
             onError({SD_BUS_ERROR_FAILED, "The message can't be sent."});
             return;
@@ -132,7 +134,13 @@ public:
         pending.onEnd = onError;
         if (method.reply) {
             pending.onAnswer = [type = *method.reply, onError, onReply](sd_bus_message* answer) {
-                finishRequest(answer, type, onError, onReply);
+                if (isError(answer)) {
+                    onError(errorOf(answer));
+                } else if (auto value = read(answer, type); value && sd_bus_message_at_end(answer, 1) > 0) {
+                    onReply(*std::move(value));
+                } else {
+                    onError({SD_BUS_ERROR_INVALID_SIGNATURE, "The reply does not decode."});
+                }
             };
             return;
         }
@@ -160,18 +168,16 @@ public:
                 message.onEnd(disconnected());
             }
         }
-        if (const auto handlers = std::exchange(with_, {}); handlers.onInvalidation) {
-            handlers.onInvalidation();
+        if (const auto ended = std::exchange(with_, {}).onInvalidation) {
+            ended();
         }
     }
 
 private:
-    using AnswerHandler = std::function<void(sd_bus_message*)>;
-
-    /// What becomes of a message that was sent. One of the two runs, or neither.
+    /// A message that was sent: what takes its answer, an error too, and what takes the end of the connection before.
     struct Pending {
-        AnswerHandler onAnswer; ///< takes its answer, an error too
-        ErrorHandler onEnd;     ///< takes the end of the connection, where that matters
+        std::function<void(sd_bus_message*)> onAnswer;
+        ErrorHandler onEnd;
     };
 
     explicit Channel(ServiceAddress address) : address_(std::move(address)), bus_(openSystemBus()) {}
@@ -183,14 +189,11 @@ private:
             for (auto& work : takePosted()) {
                 work();
             }
-            if (!bus_ || !isResumed_) {
-                wait(-1, 0, UINT64_MAX);
-            } else if (const auto processed = sd_bus_process(bus_.get(), nullptr); processed < 0) {
+            const auto processed = bus_ && isResumed_ ? sd_bus_process(bus_.get(), nullptr) : 0;
+            if (processed < 0) {
                 becomeInvalid();
             } else if (processed == 0) {
-                std::uint64_t deadline = UINT64_MAX;
-                sd_bus_get_timeout(bus_.get(), &deadline);
-                wait(sd_bus_get_fd(bus_.get()), sd_bus_get_events(bus_.get()), deadline);
+                wait();
             }
         }
         delete this;
@@ -201,16 +204,18 @@ private:
         return std::exchange(posted_, {});
     }
 
-    /// Until something was posted, `bus` is ready for `events`, or the monotonic clock shows `deadline` microseconds.
-    void wait(int bus, int events, std::uint64_t deadline) const {
-        std::array descriptors{pollfd{wakeUp_, POLLIN, 0}, pollfd{bus, static_cast<short>(events), 0}};
-        int limit = -1;
-        if (deadline != UINT64_MAX) {
-            using namespace std::chrono;
-            const auto left = microseconds(deadline) - steady_clock::now().time_since_epoch();
-            limit = static_cast<int>(std::clamp<std::int64_t>(ceil<milliseconds>(left).count(), 0, INT_MAX));
+    /// Until something was posted, or the bus has something or takes something.
+    void wait() const {
+        std::array descriptors{pollfd{wakeUp_, POLLIN, 0}, pollfd{-1, 0, 0}};
+        std::uint64_t deadline = UINT64_MAX; // of the monotonic clock, in microseconds
+        if (bus_ && isResumed_) {
+            descriptors[1] = {sd_bus_get_fd(bus_.get()), static_cast<short>(sd_bus_get_events(bus_.get())), 0};
+            sd_bus_get_timeout(bus_.get(), &deadline);
         }
-        ::poll(descriptors.data(), descriptors.size(), limit);
+        using namespace std::chrono;
+        const auto left = microseconds(deadline) - steady_clock::now().time_since_epoch();
+        const auto limit = std::clamp<std::int64_t>(ceil<milliseconds>(left).count(), 0, INT_MAX);
+        ::poll(descriptors.data(), descriptors.size(), deadline == UINT64_MAX ? -1 : static_cast<int>(limit));
         eventfd_t count = 0;
         ::eventfd_read(wakeUp_, &count);
     }
@@ -227,7 +232,7 @@ private:
         });
         askBus("GetNameOwner", "s", address_.name, [this](sd_bus_message* answer) {
             const char* owner = nullptr;
-            if (!isError(answer) && sd_bus_message_read_basic(answer, 's', &owner) > 0) {
+            if (!isError(answer) && sd_bus_message_read(answer, "s", &owner) > 0) {
                 setOwner(owner);
                 return;
             }
@@ -240,10 +245,10 @@ private:
         return bus_ != nullptr;
     }
 
-    /// Calls a method of the bus itself, with flags of 0 where `types` has a second one. A bus that can't be asked is
-    /// of no use.
-    void askBus(const char* method, const char* types, const std::string& argument, AnswerHandler onAnswer) {
-        const auto sent = call(busName, busPath, busName, method, [&](sd_bus_message* message) {
+    /// Calls a method of the bus itself, with flags of 0 where `types` has them.
+    void askBus(const char* method, const char* types, const std::string& argument,
+                std::function<void(sd_bus_message*)> onAnswer) {
+        const auto sent = call(busName, "/org/freedesktop/DBus", busName, method, [&](sd_bus_message* message) {
             return sd_bus_message_append(message, types, argument.c_str(), 0U) >= 0;
         });
         if (sent) {
@@ -254,48 +259,43 @@ private:
     }
 
     /// Sends a call that is to be answered: its serial number, which grows. None when it can't be sent.
-    std::optional<std::uint64_t> call(const char* service, const char* path, const char* interface, const char* method,
-                                      std::predicate<sd_bus_message*> auto appendArguments) {
+    std::optional<std::uint64_t> call(const std::string& service, const std::string& path, const std::string& interface,
+                                      const std::string& method, std::predicate<sd_bus_message*> auto appendArguments) {
         sd_bus_message* message = nullptr;
-        sd_bus_message_new_method_call(bus_.get(), &message, service, path, interface, method);
+        sd_bus_message_new_method_call(bus_.get(), &message, service.c_str(), path.c_str(), interface.c_str(),
+                                       method.c_str());
         const Handle<sd_bus_message> handle(message);
         std::uint64_t serial = 0;
         const bool isSent = message && appendArguments(message) && sd_bus_send(bus_.get(), message, &serial) >= 0;
         return isSent ? std::optional(serial) : std::nullopt;
     }
 
-    /// Takes whatever the bus has sent. 0 leaves a message to the library, which answers calls of
+    /// Takes whatever the bus has sent, in its order. 0 leaves a message to the library, which answers calls of
     /// org.freedesktop.DBus.Peer and refuses other calls.
     static int receive(sd_bus_message* message, void* channel, sd_bus_error* /*error*/) noexcept {
         auto& self = *static_cast<Channel*>(channel);
         if (sd_bus_message_is_method_call(message, nullptr, nullptr) > 0) {
             return self.receiveCall(message);
         }
-        if (sd_bus_message_is_signal(message, busName, "NameOwnerChanged") > 0) {
-            self.receiveOwnerChange(message);
-        } else {
-            self.receiveAnswer(message);
-        }
-        return 1;
-    }
-
-    void receiveOwnerChange(sd_bus_message* signal) {
         const char* name = nullptr;
         const char* owner = nullptr;
-        // Another process can address a signal of any name to us; only the bus itself is believed.
-        if (isFromBus(signal) && sd_bus_message_read(signal, "sss", &name, nullptr, &owner) > 0 &&
-            name == address_.name) {
-            setOwner(owner);
+        if (sd_bus_message_is_signal(message, busName, "NameOwnerChanged") == 0) {
+            self.receiveAnswer(message);
+            // Another process can address a signal of any name to us; only the bus itself is believed.
+        } else if (senderOf(message) == busName && sd_bus_message_read(message, "sss", &name, nullptr, &owner) > 0 &&
+                   name == self.address_.name) {
+            self.setOwner(owner);
         }
+        return 1;
     }
 
     void setOwner(const char* owner) {
         if (pending_.empty()) {
             peers_.clear();
         }
-        peers_.insert(owner);
         const auto previous = std::exchange(owner_, owner);
-        if (!previous.empty() && with_.onInterruption) {
+        peers_.insert(owner_);
+        if (!previous.empty() && previous != owner_ && with_.onInterruption) {
             with_.onInterruption();
         }
     }
@@ -304,22 +304,10 @@ private:
         std::uint64_t serial = 0;
         sd_bus_message_get_reply_cookie(answer, &serial);
         const auto message = pending_.find(serial);
+        const auto sender = senderOf(answer);
         // A message may have reached a process that is no longer the owner, but none that never was.
-        if (message != pending_.end() &&
-            (isFromBus(answer) || peers_.contains(textOf(sd_bus_message_get_sender(answer))))) {
+        if (message != pending_.end() && (sender == busName || peers_.contains(sender))) {
             pending_.extract(message).mapped().onAnswer(answer);
-        }
-    }
-
-    static void finishRequest(sd_bus_message* answer, Type type, const ErrorHandler& onError,
-                              const std::function<void(Value)>& onReply) {
-        if (isError(answer)) {
-            onError(errorOf(answer));
-        } else if (auto value = read(answer, type); value && sd_bus_message_at_end(answer, 1) > 0) {
-            onReply(*std::move(value));
-        } else {
-            onError({SD_BUS_ERROR_INVALID_SIGNATURE,
-                     "The reply is of type \"" + textOf(sd_bus_message_get_signature(answer, 1)) + "\"."});
         }
     }
 
@@ -329,43 +317,32 @@ private:
             (!interface.empty() && interface != with_.exported.name)) {
             return 0;
         }
-        if (owner_.empty() || sd_bus_message_get_sender(call) != owner_) {
-            return refuse(call, SD_BUS_ERROR_ACCESS_DENIED, "Only the owner of " + address_.name + " may call.");
+        if (owner_.empty() || senderOf(call) != owner_) {
+            return sd_bus_reply_method_errorf(call, SD_BUS_ERROR_ACCESS_DENIED, "Only the owner of %s may call.",
+                                              address_.name.c_str());
         }
         const auto member = textOf(sd_bus_message_get_member(call));
         const auto method = std::ranges::find(with_.exported.methods, member, &Method::name);
         if (method == with_.exported.methods.end()) {
-            return refuse(call, SD_BUS_ERROR_UNKNOWN_METHOD, "There is no method " + member + '.');
+            return sd_bus_reply_method_errorf(call, SD_BUS_ERROR_UNKNOWN_METHOD, "There is no method %s.",
+                                              member.c_str());
         }
         std::vector<Value> arguments;
         for (const auto& [name, type] : method->parameters) {
             auto value = read(call, type);
             if (!value) {
-                return refuse(call, SD_BUS_ERROR_INVALID_ARGS,
-                              member + ": argument " + std::string(name) + " does not decode.");
+                return sd_bus_reply_method_errorf(call, SD_BUS_ERROR_INVALID_ARGS, "%s: argument %s does not decode.",
+                                                  member.c_str(), std::string(name).c_str());
             }
             arguments.push_back(*std::move(value));
         }
         if (sd_bus_message_at_end(call, 1) == 0) {
-            return refuse(call, SD_BUS_ERROR_INVALID_ARGS,
-                          member + ": argument number " + std::to_string(arguments.size() + 1) + " does not decode.");
+            return sd_bus_reply_method_errorf(call, SD_BUS_ERROR_INVALID_ARGS,
+                                              "%s: argument number %zu does not decode.", member.c_str(),
+                                              arguments.size() + 1);
         }
         with_.handlers[static_cast<std::size_t>(method - with_.exported.methods.begin())](std::move(arguments));
-        sd_bus_reply_method_return(call, "");
-        return 1;
-    }
-
-    static int refuse(sd_bus_message* call, const char* error, const std::string& why) {
-        const sd_bus_error answer = SD_BUS_ERROR_MAKE_CONST(error, why.c_str());
-        sd_bus_reply_method_error(call, &answer);
-        return 1;
-    }
-
-    /// Nobody holds the channel any more.
-    void retire() {
-        with_.onInvalidation = {};
-        becomeInvalid();
-        isRetired_ = true;
+        return sd_bus_reply_method_return(call, "");
     }
 
     const ServiceAddress address_;
