@@ -2,6 +2,7 @@
 
 #include <simdjson.h>
 
+#include <algorithm>
 #include <bit>
 #include <cstddef>
 #include <string>
@@ -19,6 +20,51 @@ constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
 static_assert(simdjson::DEFAULT_MAX_DEPTH == 1024);
 
+// Numbers that the parser converts and that are corrupted data for whoever reads them, as integer and as double.
+constexpr std::string_view integerBeyondRecords = "9223372036854775808";
+constexpr std::string_view doubleBeyondRecords = "1e308";
+
+/// Whether the whole text is a number (RFC 8259, section 6).
+bool isNumber(std::string_view text) {
+    const auto skipOneOf = [&text](std::string_view characters) {
+        const bool found = !text.empty() && characters.contains(text.front());
+        text.remove_prefix(found ? 1 : 0);
+        return found;
+    };
+    const auto skipDigits = [&text] {
+        const auto count = std::min(text.find_first_not_of("0123456789"), text.size());
+        text.remove_prefix(count);
+        return count > 0;
+    };
+    skipOneOf("-");
+    if (!skipOneOf("0") && !skipDigits()) {
+        return false;
+    }
+    if (skipOneOf(".") && !skipDigits()) {
+        return false;
+    }
+    if (skipOneOf("eE")) {
+        skipOneOf("+-");
+        if (!skipDigits()) {
+            return false;
+        }
+    }
+    return text.empty();
+}
+
+/// The length of what a text begins with: a string, a run of the characters of numbers, or all up to the next of these.
+std::size_t lengthOfPiece(std::string_view text) {
+    constexpr std::string_view ofNumbers = "0123456789+-.eE";
+    if (text.front() == '"') {
+        std::size_t end = 1;
+        while (end < text.size() && text[end] != '"') {
+            end += text[end] == '\\' ? 2 : 1;
+        }
+        return end + 1;
+    }
+    return ofNumbers.contains(text.front()) ? text.find_first_not_of(ofNumbers) : text.find_first_of("\"-0123456789");
+}
+
 } // namespace
 
 struct JSONDecoder::Document::Parser {
@@ -28,8 +74,29 @@ struct JSONDecoder::Document::Parser {
         return parser;
     }
 
+    /// Makes `inRange` of a text, with other numbers in the place of those that are valid but not converted by the
+    /// parser. False when there is none. Changes nothing else, so that any fault in the text is one in `inRange`.
+    bool bringNumbersIntoRange(std::string_view text);
+
     simdjson::dom::parser parser;
+    std::string inRange;
 };
+
+bool JSONDecoder::Document::Parser::bringNumbersIntoRange(std::string_view text) {
+    inRange.clear();
+    inRange.reserve(text.size() + simdjson::SIMDJSON_PADDING);
+    bool found = false;
+    while (!text.empty()) {
+        auto piece = text.substr(0, lengthOfPiece(text));
+        text.remove_prefix(piece.size());
+        if (isNumber(piece) && parser.parse(piece.data(), piece.size()).error()) {
+            piece = piece.find_first_of(".eE") == std::string_view::npos ? integerBeyondRecords : doubleBeyondRecords;
+            found = true;
+        }
+        inRange += piece;
+    }
+    return found;
+}
 
 JSONDecoder::Document::Document() : parser_(std::move(Parser::spare())) {
     if (!parser_) {
@@ -55,7 +122,12 @@ std::expected<Decoder, DecodingError> JSONDecoder::Document::parse(std::string_v
         return corrupted("it begins with a byte order mark.");
     }
     simdjson::dom::element root;
-    if (const auto error = parser_->parser.parse(text.data(), text.size()).get(root)) {
+    auto error = parser_->parser.parse(text.data(), text.size()).get(root);
+    // The parser converts every number, also one that nobody reads, and refuses the text for one beyond its types.
+    if (error && parser_->bringNumbersIntoRange(text)) {
+        error = parser_->parser.parse(parser_->inRange).get(root);
+    }
+    if (error) {
         return corrupted(simdjson::error_message(error));
     }
     return Decoder(std::bit_cast<Decoder::Value>(root));
