@@ -24,6 +24,8 @@ static_assert(simdjson::DEFAULT_MAX_DEPTH == 1024);
 constexpr std::string_view integerBeyondRecords = "9223372036854775808";
 constexpr std::string_view doubleBeyondRecords = "1e308";
 
+constexpr std::size_t shortestOutOfRange = std::string_view("1e309").size();
+
 /// Whether the whole text is a number (RFC 8259, section 6).
 bool isNumber(std::string_view text) {
     const auto skipOneOf = [&text](std::string_view characters) {
@@ -52,17 +54,29 @@ bool isNumber(std::string_view text) {
     return text.empty();
 }
 
-/// The length of what a text begins with: a string, a run of the characters of numbers, or all up to the next of these.
-std::size_t lengthOfPiece(std::string_view text) {
-    constexpr std::string_view ofNumbers = "0123456789+-.eE";
-    if (text.front() == '"') {
-        std::size_t end = 1;
-        while (end < text.size() && text[end] != '"') {
-            end += text[end] == '\\' ? 2 : 1;
-        }
-        return end + 1;
+bool isOfNumbers(char c) {
+    return (c >= '0' && c <= '9') || c == '-' || c == '+' || c == '.' || c == 'e' || c == 'E';
+}
+
+/// The string that a text begins with, up to the end of the text when nothing ends it.
+std::string_view firstString(std::string_view text) {
+    auto quote = text.find('"', 1);
+    // A quote after an odd number of backslashes is escaped.
+    while (quote != std::string_view::npos && (quote - text.find_last_not_of('\\', quote - 1)) % 2 == 0) {
+        quote = text.find('"', quote + 1);
     }
-    return ofNumbers.contains(text.front()) ? text.find_first_not_of(ofNumbers) : text.find_first_of("\"-0123456789");
+    return quote == std::string_view::npos ? text : text.substr(0, quote + 1);
+}
+
+/// What a text begins with: a string, a run of the characters of numbers, or all up to the next of these.
+std::string_view firstPiece(std::string_view text) {
+    if (text.front() == '"') {
+        return firstString(text);
+    }
+    const auto* const end = isOfNumbers(text.front())
+                                ? std::ranges::find_if_not(text, isOfNumbers)
+                                : std::ranges::find_if(text, [](char c) { return c == '"' || isOfNumbers(c); });
+    return {text.begin(), end};
 }
 
 } // namespace
@@ -87,9 +101,9 @@ bool JSONDecoder::Document::Parser::bringNumbersIntoRange(std::string_view text)
     inRange.reserve(text.size() + simdjson::SIMDJSON_PADDING);
     bool found = false;
     while (!text.empty()) {
-        auto piece = text.substr(0, lengthOfPiece(text));
+        auto piece = firstPiece(text);
         text.remove_prefix(piece.size());
-        if (isNumber(piece) && parser.parse(piece.data(), piece.size()).error()) {
+        if (piece.size() >= shortestOutOfRange && isNumber(piece) && parser.parse(piece.data(), piece.size()).error()) {
             piece = piece.find_first_of(".eE") == std::string_view::npos ? integerBeyondRecords : doubleBeyondRecords;
             found = true;
         }
