@@ -192,7 +192,7 @@ private:
             const auto processed = bus_ && isResumed_ ? sd_bus_process(bus_.get(), nullptr) : 0;
             if (processed < 0) {
                 becomeInvalid();
-            } else if (processed == 0) {
+            } else if (processed == 0 && !isRetired_) {
                 wait();
             }
         }

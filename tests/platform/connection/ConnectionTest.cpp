@@ -12,6 +12,8 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <filesystem>
+#include <iterator>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -151,6 +153,13 @@ TEST_F(ConnectionTest, FailsAnUnansweredMessageButIsNotInvalidatedWhenTheLastRef
     connection_.reset();
     ASSERT_TRUE(waitUntil([&] { return invalidationHandler_.expired() && !events_->all().empty(); }));
     EXPECT_THAT(events_->all(), ElementsAre(failed));
+}
+
+TEST_F(ConnectionTest, EndsItsThreadWhenTheLastReferenceGoes) {
+    const auto threads = [] { return std::ranges::distance(std::filesystem::directory_iterator("/proc/self/task")); };
+    const auto atFirst = threads();
+    connection_.reset();
+    EXPECT_TRUE(waitUntil([&] { return threads() < atFirst; }));
 }
 
 } // namespace quorvale::platform::connection
