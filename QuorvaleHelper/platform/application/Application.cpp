@@ -14,6 +14,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <malloc.h>
 #include <map>
 #include <sys/eventfd.h>
 #include <unistd.h>
@@ -41,6 +42,8 @@ void reportMessage(QtMsgType type, const QMessageLogContext& /*context*/, const 
 QString objectPath(const QString& identifier) {
     return u'/' + QString(identifier).replace(u'.', u'/').replace(u'-', u'_');
 }
+
+constexpr int largestKeptBlock = 128 << 10;
 
 constexpr auto interfaceName = "org.freedesktop.Application";
 const auto activationToken = QStringLiteral("activation-token");
@@ -161,6 +164,9 @@ private:
 };
 
 Application::Application(int& argc, char** argv, const std::string& identifier) {
+    // Left alone, the C library raises this limit to the largest block that was ever freed. What the log window frees,
+    // tens of MiB at every closing, would then stay with the process.
+    mallopt(M_MMAP_THRESHOLD, largestKeptBlock);
     qInstallMessageHandler(reportMessage);
     session_ = std::make_unique<Session>(argc, argv, identifier);
 }
