@@ -142,7 +142,7 @@ void QuorvaleHelperApp::showMenuBarExtra() {
         extra.setStatusText(ProtectedLook::of(statusManager.status()).text);
     };
     showStatus();
-    statusTextUpdates_ = statusManager.objectWillChange([&mainQueue, showStatus] { mainQueue.async(showStatus); });
+    statusTextUpdates_ = statusManager.objectDidChange(mainQueue, showStatus);
     application_.setActivationHandler([&extra] { extra.show(); });
 }
 
