@@ -104,7 +104,7 @@ TEST_F(QuorvaleHelperAppTest, EndsOnceWithWhateverSignal) {
     }
     HelperProcess helper(systemBus_, sessionBus_);
     ASSERT_TRUE(helper.logs("info Quorvale Helper launched"));
-    sessionBus_.freeze();
+    sessionBus_.stall();
     helper.process().terminate();
     EXPECT_EQ(helper.process().waitForExit(), (Process::Exit{.code = EXIT_SUCCESS})) << "with a bus that hangs";
     EXPECT_THAT(helper.log(), ElementsAre(_, _, _, "info Quorvale Helper terminated"));
