@@ -6,6 +6,7 @@
 #include "app/StartUp.hpp"
 #include "platform/bundle/Bundle.hpp"
 #include "platform/log/UnifiedLog.hpp"
+#include "platform/observable/objectDidChange.hpp"
 #include "ui/common/localized.hpp"
 #include "ui/logs/LogViewer.hpp"
 #include "ui/logs/UnifiedLogReader.hpp"
@@ -31,6 +32,7 @@ using platform::bundle::Bundle;
 using platform::desktop::MenuBarExtra;
 using platform::desktop::MenuBarIcon;
 using platform::desktop::WindowScene;
+using platform::observable::objectDidChange;
 using platform::queue::MainQueue;
 using ui::logs::LogStore;
 using ui::menu::ProtectedLook;
@@ -142,7 +144,7 @@ void QuorvaleHelperApp::showMenuBarExtra() {
         extra.setStatusText(ProtectedLook::of(statusManager.status()).text);
     };
     showStatus();
-    statusTextUpdates_ = statusManager.objectDidChange(mainQueue, showStatus);
+    statusTextUpdates_ = objectDidChange(statusManager, mainQueue, showStatus);
     application_.setActivationHandler([&extra] { extra.show(); });
 }
 

@@ -1,6 +1,7 @@
 #include "support/HelperProcess.hpp"
 
 #include <QFile>
+#include <QTemporaryDir>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -1,5 +1,6 @@
 #include "ui/logs/LogViewer.hpp"
 
+#include "platform/observable/objectDidChange.hpp"
 #include "ui/common/localized.hpp"
 #include "ui/logs/EntryView.hpp"
 
@@ -50,7 +51,8 @@ LogViewer::LogViewer(LogStore& logs, platform::queue::MainQueue& mainQueue, std:
     column->addLayout(row);
     setMinimumSize(minimum);
 
-    entriesChanges_ = logs.objectDidChange(mainQueue_, [this] { entryView_->setItems(joined(logs_)); });
+    entriesChanges_ =
+        platform::observable::objectDidChange(logs, mainQueue_, [this] { entryView_->setItems(joined(logs_)); });
 }
 
 void LogViewer::showEvent(QShowEvent* event) {

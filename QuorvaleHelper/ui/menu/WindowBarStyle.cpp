@@ -1,5 +1,6 @@
 #include "ui/menu/WindowBarStyle.hpp"
 
+#include "platform/observable/objectDidChange.hpp"
 #include "ui/menu/MenuButton.hpp"
 #include "ui/menu/ProtectedState.hpp"
 
@@ -57,8 +58,8 @@ WindowBarStyle::WindowBarStyle(status::StatusManager& statusManager, platform::q
     // Everything in the column asks for all the width there is.
     setFixedWidth(columnWidth);
 
-    statusChanges_ = statusManager.objectDidChange(
-        mainQueue, [&statusManager, indicator] { indicator->setProtected(statusManager.status()); });
+    statusChanges_ = platform::observable::objectDidChange(
+        statusManager, mainQueue, [&statusManager, indicator] { indicator->setProtected(statusManager.status()); });
 }
 
 } // namespace quorvale::ui::menu
