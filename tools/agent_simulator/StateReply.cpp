@@ -42,6 +42,17 @@ std::expected<StateReply, QString> StateReply::parse(const QString& words) {
         }
         return reply;
     }
+    if (word == u"then") {
+        const auto value = rest.section(u' ', 0, 0);
+        if (value != u"true" && value != u"false") {
+            return std::unexpected(QStringLiteral("then takes true or false, and a state"));
+        }
+        auto reply = parse(rest.section(u' ', 1));
+        if (reply) {
+            reply->thenPush = value == u"true";
+        }
+        return reply;
+    }
     return StateReply{.text = words};
 }
 

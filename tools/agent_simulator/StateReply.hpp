@@ -3,6 +3,7 @@
 #include <QString>
 
 #include <expected>
+#include <optional>
 
 namespace quorvale::agent_simulator {
 
@@ -30,6 +31,8 @@ struct StateReply {
     /// The state's text, or the error's name.
     QString text = {};
     QString errorMessage = {};
+    /// The protection status to push at once after the answer.
+    std::optional<bool> thenPush = {};
 
     static constexpr auto help =
         "  TEXT                  the text, such as {\"active\":true}\n"
@@ -40,6 +43,7 @@ struct StateReply {
         "  wrong-type            a string instead of an array\n"
         "  error [NAME [TEXT]]   a D-Bus error\n"
         "  late REPLY            REPLY, but only when the command \"answer\" comes\n"
+        "  then true|false REPLY REPLY, followed at once by updateProtectionStatus with that value\n"
         "  never                 no answer at all\n";
 
     /// The reply that `words` describe, or what is wrong with them.
