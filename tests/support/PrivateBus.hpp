@@ -1,11 +1,8 @@
 #pragma once
 
-#include "support/Process.hpp"
-
-#include <QTemporaryDir>
-
-#include <memory>
+#include <filesystem>
 #include <string>
+#include <sys/types.h>
 
 namespace quorvale::tests {
 
@@ -15,19 +12,27 @@ namespace quorvale::tests {
 class PrivateBus {
 public:
     explicit PrivateBus(const std::string& unownableName = {});
+    ~PrivateBus();
+    PrivateBus(const PrivateBus&) = delete;
+    PrivateBus& operator=(const PrivateBus&) = delete;
 
-    /// For DBUS_SYSTEM_BUS_ADDRESS, DBUS_SESSION_BUS_ADDRESS and QDBusConnection::connectToBus(). It stays the same
-    /// for the life of this object.
+    /// For DBUS_SYSTEM_BUS_ADDRESS, DBUS_SESSION_BUS_ADDRESS and whoever connects. It stays the same for the life of
+    /// this object.
     [[nodiscard]] std::string address() const;
 
     /// Ends the daemon, whose clients lose their connections.
     void stop();
 
-private:
-    [[nodiscard]] std::string path(const char* name) const;
+    /// Starts the daemon again after `stop`.
+    void start();
 
-    QTemporaryDir directory_;
-    std::unique_ptr<Process> daemon_;
+    /// Holds the daemon up: it reads and writes nothing until it may go on.
+    void stall();
+    void goOn();
+
+private:
+    std::filesystem::path directory_;
+    pid_t daemon_ = 0;
 };
 
 } // namespace quorvale::tests

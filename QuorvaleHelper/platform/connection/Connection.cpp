@@ -186,14 +186,14 @@ private:
 
     void run() {
         while (!isRetired_) {
-            for (auto& work : takePosted()) {
-                work();
-            }
             const auto processed = bus_ && isResumed_ ? sd_bus_process(bus_.get(), nullptr) : 0;
             if (processed < 0) {
                 becomeInvalid();
             } else if (processed == 0) {
                 wait();
+            }
+            for (auto& work : takePosted()) {
+                work();
             }
         }
         delete this;
