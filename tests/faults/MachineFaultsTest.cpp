@@ -1,0 +1,190 @@
+#include "desktop/DesktopSession.hpp"
+#include "faults/FaultsTest.hpp"
+#include "faults/RawPeerProcess.hpp"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <algorithm>
+#include <filesystem>
+#include <sys/resource.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+namespace quorvale::tests {
+
+namespace {
+
+using MachineFaultsTest = FaultsTest;
+
+/// Runs `script`, a shell command with `argument` as its $0, where it may mount what nobody else sees, and then the
+/// command that follows it.
+std::vector<std::string> afterMounting(const std::string& script, const std::string& argument) {
+    return {"unshare", "--map-current-user",      "--keep-caps", "--mount", "--", "sh",
+            "-ec",     script + R"(; exec "$@")", argument};
+}
+
+/// Plain users may have no mounts of their own.
+bool mayMount() {
+    Process unshare(
+        {.program = "unshare",
+         .arguments = {"--map-current-user", "--keep-caps", "--mount", "--", "sh", "-c", "mount -t tmpfs none /run"}});
+    return unshare.waitForExit() == Process::Exit{};
+}
+
+/// A journal that has stopped: its socket takes what fits in, and nobody reads it.
+class StoppedJournal {
+public:
+    StoppedJournal() : socket_(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0)) {
+        sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
+        directory_.filePath(QStringLiteral("socket")).toStdString().copy(address.sun_path, sizeof address.sun_path - 1);
+        EXPECT_EQ(::bind(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    }
+
+    ~StoppedJournal() { ::close(socket_); }
+
+    StoppedJournal(const StoppedJournal&) = delete;
+    StoppedJournal& operator=(const StoppedJournal&) = delete;
+
+    [[nodiscard]] std::string folder() const { return directory_.path().toStdString(); }
+
+private:
+    QTemporaryDir directory_;
+    int socket_;
+};
+
+/// The number that the next descriptor of the process gets.
+rlim_t nextDescriptor(pid_t process) {
+    rlim_t number = 0;
+    while (std::filesystem::is_symlink(
+        std::filesystem::symlink_status("/proc/" + std::to_string(process) + "/fd/" + std::to_string(number)))) {
+        ++number;
+    }
+    return number;
+}
+
+rlim_t limitDescriptors(pid_t process, rlim_t count) {
+    rlimit limit{};
+    EXPECT_EQ(::prlimit(process, RLIMIT_NOFILE, nullptr, &limit), 0);
+    const auto previous = std::exchange(limit.rlim_cur, count);
+    EXPECT_EQ(::prlimit(process, RLIMIT_NOFILE, &limit, nullptr), 0);
+    return previous;
+}
+
+/// A helper that has more to log than is taken from it, and its end.
+void outlivesItsLog(HelperProcess& helper, const PrivateBus& sessionBus) {
+    ASSERT_TRUE(waitUntil([&] { return helper.icon().has_value(); }));
+    RawPeerProcess updater(sessionBus);
+    updater.obey(std::vector<std::string>(200, "signal - /x com.quorvale.DistributedNotification QuorvaleHelper s"));
+    helper.notify(R"({"running":true,"restart":false,"terminate":false})");
+    EXPECT_TRUE(helper.shows("Protected"));
+    FaultsTest::end(helper);
+}
+
+} // namespace
+
+TEST_F(MachineFaultsTest, RunsOnWhenTheJournalStops) {
+    if (!mayMount()) {
+        GTEST_SKIP() << "no right to mount";
+    }
+    const StoppedJournal journal;
+    HelperProcess helper(
+        environment_, {},
+        afterMounting(R"(mount -t tmpfs none /run; mkdir /run/systemd; ln -s "$0" /run/systemd/journal)",
+                      journal.folder()));
+    outlivesItsLog(helper, sessionBus_);
+    EXPECT_THAT(helper.log(), testing::IsEmpty());
+}
+
+TEST_F(MachineFaultsTest, RunsOnWhenNobodyReadsItsErrors) {
+    HelperProcess helper(environment_, {}, {}, Process::ErrorOutput::Unread);
+    outlivesItsLog(helper, sessionBus_);
+}
+
+TEST_F(MachineFaultsTest, NeedsNoRoomAtHome) {
+    if (!mayMount()) {
+        GTEST_SKIP() << "no right to mount";
+    }
+    for (const std::string home : {R"(mount --bind "$0" "$0"; mount -o remount,bind,ro "$0")",
+                                   R"(mount -t tmpfs -o size=4k none "$0"; printf %4096s >"$0/full")"}) {
+        SCOPED_TRACE(home);
+        const QTemporaryDir folder;
+        auto environment = environment_;
+        for (const auto* variable : {"HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_DATA_HOME", "XDG_STATE_HOME"}) {
+            environment[variable] = folder.path().toStdString();
+        }
+        const AgentProcess agent(systemBus_, {"--state", active});
+        HelperProcess helper(environment, {},
+                             afterMounting(home + R"(; ! { echo x >"$0/more"; } 2>&-)", folder.path().toStdString()));
+        ASSERT_TRUE(helper.logs(launched));
+        helper.notify(restart);
+        ASSERT_TRUE(helper.logs(stateKnown));
+        EXPECT_TRUE(helper.shows("Protected"));
+        EXPECT_THAT(helper.log(), testing::Each(testing::StartsWith("info")));
+        end(helper);
+    }
+}
+
+TEST_F(MachineFaultsTest, ConnectsAgainOnceThereAreDescriptors) {
+    const AgentProcess agent(systemBus_, {"--state", active});
+    HelperProcess helper(environment_);
+    ASSERT_TRUE(helper.logs(launched));
+    const auto process = helper.process().id();
+    // Which of the descriptors that a connection takes is not to be had makes no difference.
+    for (const rlim_t spare : {0, 1, 2, 3, 4, 5}) {
+        SCOPED_TRACE(spare);
+        const auto previous = limitDescriptors(process, nextDescriptor(process) + spare);
+        const auto before = helper.log().size();
+        helper.notify(restart);
+        ASSERT_TRUE(waitUntil([&] {
+            return std::ranges::any_of(logSince(helper, before), [](const auto& line) {
+                return line == notConnected || line == noState || line == stateKnown;
+            });
+        }));
+        limitDescriptors(process, previous);
+        EXPECT_TRUE(helper.icon());
+    }
+    const auto before = helper.log().size();
+    helper.notify(restart);
+    EXPECT_TRUE(helper.logs(stateKnown, before));
+    EXPECT_TRUE(helper.shows("Protected"));
+    end(helper);
+}
+
+TEST_F(MachineFaultsTest, RunsWhatIsQueuedWhenTheClockIsSetBack) {
+    const QTemporaryDir folder;
+    const auto clock = folder.filePath(QStringLiteral("clock"));
+    const auto set = [&](const char* offset) {
+        QFile file(clock);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(offset);
+    };
+    set("+0");
+    const AgentProcess agent(systemBus_, {"--state", active});
+    HelperProcess helper(environment_, {},
+                         {"env", "LD_PRELOAD=/usr/$LIB/faketime/libfaketimeMT.so.1", "FAKETIME_NO_CACHE=1",
+                          "DONT_FAKE_MONOTONIC=1", "FAKETIME_DONT_FAKE_MONOTONIC=1",
+                          "FAKETIME_TIMESTAMP_FILE=" + clock.toStdString()});
+    ASSERT_TRUE(helper.logs(launched));
+    helper.notify(restart);
+    ASSERT_TRUE(helper.logs("info Helper XPC: Connection resumed"));
+    set("-2d");
+    EXPECT_TRUE(helper.logs(stateKnown));
+    EXPECT_TRUE(helper.shows("Protected"));
+    end(helper);
+    const auto& lines = helper.process().lines();
+    EXPECT_LT(lines.back(), lines.front()) << "the clock was not set back";
+}
+
+TEST_F(MachineFaultsTest, EndsInOrderWhenTheDisplayServerIsKilled) {
+    const DesktopSession session({"--no-panel"});
+    HelperProcess helper(session.environment());
+    ASSERT_TRUE(helper.logs(launched));
+    session.control("kill-display");
+    EXPECT_EQ(helper.process().waitForExit(), Process::Exit{});
+    EXPECT_EQ(helper.log().back(), "info Quorvale Helper terminated");
+}
+
+} // namespace quorvale::tests
