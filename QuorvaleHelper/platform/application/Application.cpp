@@ -10,10 +10,12 @@
 #include <QSocketNotifier>
 #include <QTimer>
 
+#include <climits>
 #include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <dbus/dbus.h>
 #include <map>
 #include <sys/eventfd.h>
 #include <unistd.h>
@@ -36,6 +38,12 @@ void reportMessage(QtMsgType type, const QMessageLogContext& /*context*/, const 
     if (type == QtFatalMsg) {
         std::quick_exit(EXIT_FAILURE);
     }
+}
+
+/// The library stops reading while 63 MiB of what it has read wait to be dealt with, and goes on from the thread that
+/// deals with them. The toolkit can't: it reads on a thread of its own, and would never hear from the bus again.
+void readHoweverMuchWaits(const QDBusConnection& bus) {
+    dbus_connection_set_max_received_size(static_cast<DBusConnection*>(bus.internalPointer()), LONG_MAX);
 }
 
 QString objectPath(const QString& identifier) {
@@ -67,6 +75,7 @@ public:
         if (!bus.isConnected()) {
             return Instance::noSessionBus;
         }
+        readHoweverMuchWaits(bus);
         bus.connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
                     QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"), this,
                     SLOT(busDisconnected()));
