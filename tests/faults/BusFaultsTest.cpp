@@ -1,67 +1,55 @@
 #include "faults/FaultsTest.hpp"
 
-#include <QDBusConnection>
-#include <QDBusMessage>
-
 #include <algorithm>
 
 namespace quorvale::tests {
 
 namespace {
 
-using BusFaultsTest = FaultsTest;
+using BusFaultsTest = RunningFaultsTest;
 
 } // namespace
 
 TEST_F(BusFaultsTest, ConnectsOnceTheSystemBusIsBack) {
     systemBus_.stop();
-    HelperProcess helper(environment_);
-    ASSERT_TRUE(helper.logs(launched));
-    helper.notify(restart);
-    ASSERT_TRUE(helper.logs(notConnected));
-    ASSERT_TRUE(helper.logs(told));
-    EXPECT_TRUE(helper.shows("Unprotected"));
+    helper_.notify(restart);
+    ASSERT_TRUE(helper_.logs(notConnected));
+    ASSERT_TRUE(helper_.logs(told));
+    EXPECT_TRUE(helper_.shows("Unprotected"));
 
     // Absent at first, then lost while connected.
     for (const std::ptrdiff_t losses : {1, 2}) {
         systemBus_.start();
         const AgentProcess agent(systemBus_, {"--state", active});
-        helper.notify(restart);
-        ASSERT_TRUE(waitUntil([&] { return std::ranges::count(helper.log(), stateKnown) == losses; }));
-        EXPECT_TRUE(helper.shows("Protected"));
+        helper_.notify(restart);
+        ASSERT_TRUE(waitUntil([&] { return std::ranges::count(helper_.log(), stateKnown) == losses; }));
+        EXPECT_TRUE(helper_.shows("Protected"));
         systemBus_.stop();
-        ASSERT_TRUE(waitUntil([&] { return std::ranges::count(helper.log(), invalidated) == losses; }));
-        EXPECT_TRUE(helper.shows("Protected"));
+        ASSERT_TRUE(waitUntil([&] { return std::ranges::count(helper_.log(), invalidated) == losses; }));
+        EXPECT_TRUE(helper_.shows("Protected"));
     }
-    EXPECT_THAT(helper.log(), testing::Each(testing::Not(testing::StartsWith("error"))));
-    end(helper);
+    EXPECT_THAT(helper_.log(), testing::Each(testing::Not(testing::StartsWith("error"))));
 }
 
 TEST_F(BusFaultsTest, IsThereForTheUserWhileTheSystemBusStandsStill) {
     const AgentProcess agent(systemBus_, {"--state", active});
-    HelperProcess helper(environment_);
-    ASSERT_TRUE(helper.logs(launched));
     systemBus_.stall();
-    helper.notify(restart);
-    ASSERT_TRUE(helper.logs(told));
-    const auto bus =
-        QDBusConnection::connectToBus(QString::fromStdString(sessionBus_.address()), QStringLiteral("launcher"));
-    auto activate = QDBusMessage::createMethodCall(
-        QStringLiteral("com.quorvale.QuorvaleHelper"), QStringLiteral("/com/quorvale/QuorvaleHelper"),
-        QStringLiteral("org.freedesktop.Application"), QStringLiteral("Activate"));
-    activate << QVariantMap();
-    EXPECT_EQ(bus.call(activate, QDBus::Block, 1000).type(), QDBusMessage::ReplyMessage) << "the window does not open";
-    QDBusConnection::disconnectFromBus(QStringLiteral("launcher"));
-    EXPECT_TRUE(helper.shows("Unprotected"));
+    helper_.notify(restart);
+    ASSERT_TRUE(helper_.logs(told));
+    EXPECT_TRUE(helper_.shows("Unprotected"));
+    EXPECT_EQ(RawPeerProcess(sessionBus_)
+                  .obey("call com.quorvale.QuorvaleHelper /com/quorvale/QuorvaleHelper org.freedesktop.Application "
+                        "Activate a{sv} 0"),
+              "ok")
+        << "the window does not open";
+    EXPECT_TRUE(helper_.icon());
     systemBus_.goOn();
-    EXPECT_TRUE(helper.logs(stateKnown));
+    EXPECT_TRUE(helper_.logs(stateKnown));
 
-    const auto before = helper.log().size();
+    const auto before = helper_.log().size();
     systemBus_.stall();
-    helper.notify(restart);
-    ASSERT_TRUE(helper.logs(told, before));
-    end(helper);
-    EXPECT_EQ(helper.log().back(), "info Quorvale Helper terminated");
+    helper_.notify(restart);
+    ASSERT_TRUE(helper_.logs(told, before));
 }
 
 } // namespace quorvale::tests

@@ -7,7 +7,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <iterator>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace quorvale::tests {
@@ -24,6 +27,34 @@ inline constexpr auto interrupted = "info Helper XPC: Connection interrupted";
 inline constexpr auto notRegistered = "error Failed to register client with agent: <private>";
 inline constexpr auto noState = "error Error creating provider proxy: <private>";
 
+/// The raw peer as a process on `bus`. What it can be told: `raw_peer --help`.
+class RawPeerProcess {
+public:
+    explicit RawPeerProcess(const PrivateBus& bus)
+        : process_({.program = QUORVALE_RAW_PEER, .arguments = {bus.address()}}) {}
+
+    /// Has it obey one command line: what it answers.
+    std::string obey(std::string_view line) {
+        process_.send(line);
+        return answer();
+    }
+
+    /// The same for many in a row, which takes far less time than one by one.
+    std::vector<std::string> obey(const std::vector<std::string>& lines) {
+        std::ranges::for_each(lines, [this](const std::string& line) { process_.send(line); });
+        std::vector<std::string> answers;
+        std::ranges::generate_n(std::back_inserter(answers), std::ssize(lines), [this] { return answer(); });
+        return answers;
+    }
+
+private:
+    std::string answer() {
+        return process_.waitForLine([](std::string_view) { return true; }).value_or("no answer");
+    }
+
+    Process process_;
+};
+
 /// Two buses, and what a helper on them needs.
 class FaultsTest : public testing::Test {
 public:
@@ -31,6 +62,9 @@ public:
     static void end(HelperProcess& helper) {
         helper.process().terminate();
         EXPECT_EQ(helper.process().waitForExit(std::chrono::seconds(1)), Process::Exit{});
+        const auto lines = helper.log();
+        // A connection's thread may write behind it; where nothing is to be read of the log, it is not there.
+        EXPECT_TRUE(lines.empty() || std::ranges::count(lines, "info Quorvale Helper terminated") == 1);
     }
 
     /// The lines after the first `count`.
@@ -43,6 +77,31 @@ protected:
     PrivateBus systemBus_;
     PrivateBus sessionBus_;
     HelperProcess::Environment environment_ = HelperProcess::on(systemBus_, sessionBus_);
+};
+
+/// With the helper running.
+class RunningFaultsTest : public FaultsTest {
+protected:
+    void SetUp() override { ASSERT_TRUE(helper_.logs(launched)); }
+
+    void TearDown() override { end(helper_); }
+
+    /// Connects to `agent`: the helper's name on the bus.
+    std::string connect(AgentProcess& agent) {
+        helper_.notify(restart);
+        const auto event = agent.waitForEvent("registered ").value_or("registered nobody");
+        return event.substr(11, event.find(' ', 11) - 11);
+    }
+
+    /// Has `successor` become the agent in place of `agent`.
+    void replace(AgentProcess& agent, RawPeerProcess& successor) {
+        ASSERT_TRUE(helper_.logs(stateKnown));
+        agent.command("release");
+        ASSERT_TRUE(helper_.logs(interrupted));
+        ASSERT_EQ(successor.obey("own QVL7T4M2XK.com.quorvale.QuorvaleFilter"), "ok");
+    }
+
+    HelperProcess helper_{environment_};
 };
 
 } // namespace quorvale::tests

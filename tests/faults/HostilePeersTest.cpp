@@ -1,5 +1,4 @@
 #include "faults/FaultsTest.hpp"
-#include "faults/RawPeerProcess.hpp"
 
 #include <algorithm>
 #include <functional>
@@ -13,7 +12,7 @@ namespace {
 using testing::AnyOf;
 using testing::StartsWith;
 
-using HostilePeersTest = FaultsTest;
+using HostilePeersTest = RunningFaultsTest;
 
 constexpr auto clientPath = "/com/quorvale/QuorvaleHelper";
 constexpr auto clientInterface = "com.quorvale.ClientCommunication";
@@ -116,19 +115,11 @@ TEST_F(HostilePeersTest, AnswersEveryWrongCallOfTheAgentAndOfStrangersWithTheRig
         {"none", ""},
     };
     AgentProcess agent(systemBus_, {"--state", active});
-    HelperProcess helper(environment_);
-    ASSERT_TRUE(helper.logs(launched));
-    helper.notify(restart);
-    const auto event = agent.waitForEvent("registered ").value_or("registered nobody");
-    const auto client = event.substr(11, event.find(' ', 11) - 11);
-    ASSERT_TRUE(helper.logs(stateKnown));
-    agent.command("release");
-    ASSERT_TRUE(helper.logs(interrupted));
+    const auto client = connect(agent);
     RawPeerProcess stranger(systemBus_);
     RawPeerProcess successor(systemBus_);
-    ASSERT_EQ(successor.obey("own QVL7T4M2XK.com.quorvale.QuorvaleFilter"), "ok");
-
-    const auto before = helper.log();
+    replace(agent, successor);
+    const auto before = helper_.log();
     const auto answers = [&](const Call& call, bool ofTheAgent) -> testing::Matcher<std::string> {
         if (call.body == "h") {
             return error("NotSupported"); // by the bus: the helper takes no descriptors
@@ -149,18 +140,15 @@ TEST_F(HostilePeersTest, AnswersEveryWrongCallOfTheAgentAndOfStrangersWithTheRig
     expectAnswers(stranger, client, all, [&](const Call& call) { return answers(call, false); });
     std::erase_if(all, [](const Call& call) { return call.method == "updateProtectionStatus" && call.body == "b"; });
     expectAnswers(successor, client, all, [&](const Call& call) { return answers(call, true); });
-    EXPECT_EQ(helper.log(), before);
-    EXPECT_TRUE(helper.shows("Protected"));
-    end(helper);
+    EXPECT_EQ(helper_.log(), before);
+    EXPECT_TRUE(helper_.shows("Protected"));
 }
 
 TEST_F(HostilePeersTest, KeepsToWhatItHasOnTheSessionBus) {
     const std::map<std::string, std::string> methods{
         {"Activate", "a{sv}"}, {"Open", "asa{sv}"}, {"ActivateAction", "sava{sv}"}, {"none", ""}};
-    HelperProcess helper(environment_);
-    ASSERT_TRUE(helper.logs(launched));
     RawPeerProcess stranger(sessionBus_);
-    const auto before = helper.log();
+    const auto before = helper_.log();
     const auto answers = [&](const Call& call) -> testing::Matcher<std::string> {
         if (call.path != clientPath || call.interface != application || call.method == "none" ||
             signatureOf(call.body) != methods.at(call.method)) {
@@ -172,16 +160,13 @@ TEST_F(HostilePeersTest, KeepsToWhatItHasOnTheSessionBus) {
         return call.method == "Open" ? error("NotSupported") : error("InvalidArgs There is no action x");
     };
     expectAnswers(stranger, "com.quorvale.QuorvaleHelper", calls(application, methods), answers);
-    EXPECT_EQ(helper.log(), before);
-    EXPECT_TRUE(helper.shows("Unprotected"));
-    end(helper);
+    EXPECT_EQ(helper_.log(), before);
+    EXPECT_TRUE(helper_.shows("Unprotected"));
 }
 
 TEST_F(HostilePeersTest, LogsOneLineForEachNotificationThatItCannotTake) {
-    HelperProcess helper(environment_);
-    ASSERT_TRUE(helper.logs(launched));
     RawPeerProcess updater(sessionBus_);
-    const auto before = helper.log().size();
+    const auto before = helper_.log().size();
     std::vector<std::string> signals;
     std::vector<testing::Matcher<std::string>> expected;
     for (const std::string target : {"- /x ", "com.quorvale.QuorvaleHelper / "}) {
@@ -189,7 +174,7 @@ TEST_F(HostilePeersTest, LogsOneLineForEachNotificationThatItCannotTake) {
              {"com.quorvale.DistributedNotification QuorvaleHelper ", "com.quorvale.DistributedNotification Quorvale ",
               "com.quorvale.ClientCommunication QuorvaleHelper "}) {
             for (const auto& body : bodies) {
-                signals.push_back("signal " + target + name + body);
+                signals.push_back(std::string("signal ").append(target).append(name).append(body));
                 if (name.ends_with("Notification QuorvaleHelper ") && !body.empty()) {
                     const auto signature = signatureOf(body);
                     expected.push_back(
@@ -201,12 +186,11 @@ TEST_F(HostilePeersTest, LogsOneLineForEachNotificationThatItCannotTake) {
         }
     }
     EXPECT_THAT(updater.obey(signals), testing::Each("ok"));
-    helper.notify(R"({"running":true,"restart":false,"terminate":false})");
+    helper_.notify(R"({"running":true,"restart":false,"terminate":false})");
     expected.emplace_back("info Received notification: true");
-    ASSERT_TRUE(helper.logs("info Received notification: true"));
-    EXPECT_THAT(logSince(helper, before), testing::ElementsAreArray(expected));
-    EXPECT_TRUE(helper.shows("Protected"));
-    end(helper);
+    ASSERT_TRUE(helper_.logs("info Received notification: true"));
+    EXPECT_THAT(logSince(helper_, before), testing::ElementsAreArray(expected));
+    EXPECT_TRUE(helper_.shows("Protected"));
 }
 
 } // namespace quorvale::tests

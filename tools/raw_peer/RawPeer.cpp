@@ -163,7 +163,7 @@ std::string RawPeer::call(const Target& target, const Body& body) const {
         return sd_bus_message_new_method_call(bus_.get(), created, orNull(target.destination), target.path.c_str(),
                                               orNull(target.interface), target.member.c_str());
     });
-    sd_bus_error error = SD_BUS_ERROR_NULL;
+    sd_bus_error error{};
     const auto result = sd_bus_call(bus_.get(), message.get(), patience, &error, nullptr);
     auto text = outcome(result, error);
     sd_bus_error_free(&error);

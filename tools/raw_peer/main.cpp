@@ -94,7 +94,7 @@ int main(int argc, char** argv) {
     try {
         const RawPeer peer(argv[1]);
         for (std::string command; std::getline(std::cin, command);) {
-            std::cout << obey(peer, command) << std::endl;
+            std::cout << obey(peer, command) << '\n' << std::flush;
         }
     } catch (const std::exception& error) {
         std::cerr << "raw_peer: " << error.what() << '\n';
