@@ -68,6 +68,19 @@ void BusPeer::release(const std::string& name) {
     sd_bus_release_name_async(bus_, nullptr, name.c_str(), nullptr, nullptr);
 }
 
+void BusPeer::passOn(sd_bus_message* received, const Method& method) {
+    auto* const message = messageTo(method);
+    sd_bus_message_copy(message, received, 1);
+    send(message, {});
+}
+
+sd_bus_message* BusPeer::messageTo(const Method& method) {
+    sd_bus_message* message = nullptr;
+    sd_bus_message_new_method_call(bus_, &message, method.destination.c_str(), method.path, method.interface,
+                                   method.name);
+    return message;
+}
+
 void BusPeer::send(sd_bus_message* message, Outcome outcome) {
     const std::unique_ptr<sd_bus_message, decltype(&sd_bus_message_unref)> owned(message, &sd_bus_message_unref);
     if (!outcome) {

@@ -53,12 +53,13 @@ public:
     /// `outcome` runs on the peer's thread unless the peer ends first.
     template <typename... Arguments>
     void call(const Method& method, Outcome outcome, const char* types, Arguments... arguments) {
-        sd_bus_message* message = nullptr;
-        sd_bus_message_new_method_call(bus_, &message, method.destination.c_str(), method.path, method.interface,
-                                       method.name);
+        auto* const message = messageTo(method);
         sd_bus_message_append(message, types, arguments...);
         send(message, std::move(outcome));
     }
+
+    /// Calls another method with the arguments of `received`.
+    void passOn(sd_bus_message* received, const Method& method);
 
     /// May be called more than once for a call.
     template <typename... Arguments>
@@ -71,6 +72,7 @@ public:
 
 private:
     void serve();
+    sd_bus_message* messageTo(const Method& method);
     void send(sd_bus_message* message, Outcome outcome);
     bool takeWork();
 

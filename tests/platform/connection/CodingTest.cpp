@@ -1,12 +1,12 @@
 #include "platform/connection/Connection.hpp"
+#include "support/BusPeer.hpp"
 #include "support/PrivateBus.hpp"
+#include "support/blockUntil.hpp"
 
-#include <QDBusConnection>
-#include <QDBusMessage>
-#include <QDBusVirtualObject>
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cstdlib>
 #include <memory>
 #include <optional>
 #include <string>
@@ -27,30 +27,19 @@ struct Sink {
     std::atomic<bool> done = false;
 };
 
-/// A service that hands the dictionary it gets back to its caller, as it came over the bus.
-class Echo final : public QDBusVirtualObject {
-public:
-    [[nodiscard]] QString introspect(const QString& /*path*/) const override { return {}; }
-
-    bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
-        auto back = QDBusMessage::createMethodCall(message.service(), QStringLiteral("/client"),
-                                                   QStringLiteral("org.example.Client"), QStringLiteral("take"));
-        back.setArguments(message.arguments());
-        connection.send(back);
-        connection.send(message.createReply(message.signature()));
-        return true;
-    }
-};
-
 } // namespace
 
 TEST(CodingTest, CarriesEveryPropertyListValueThereAndBack) {
     const tests::PrivateBus bus;
-    qputenv("DBUS_SYSTEM_BUS_ADDRESS", QByteArray::fromStdString(bus.address()));
-    auto service = QDBusConnection::connectToBus(QString::fromStdString(bus.address()), QStringLiteral("service"));
-    Echo echo;
-    ASSERT_TRUE(service.registerVirtualObject(QStringLiteral("/service"), &echo));
-    ASSERT_TRUE(service.registerService(QStringLiteral("org.example.Service")));
+    setenv("DBUS_SYSTEM_BUS_ADDRESS", bus.address().c_str(), 1);
+    // Hands the dictionary that it gets back to its caller, as it came over the bus.
+    std::optional<tests::BusPeer> service;
+    service.emplace(bus.address(), [&](sd_bus_message* call) {
+        const std::string signature = sd_bus_message_get_signature(call, 1);
+        service->passOn(call, {sd_bus_message_get_sender(call), "/client", "org.example.Client", "take"});
+        service->answer(call, "s", signature.c_str());
+    });
+    service->run([&] { service->own("org.example.Service"); });
 
     const auto sink = std::make_shared<Sink>();
     const auto connection = Connection::toService({"org.example.Service", "/service", "/client"});
@@ -71,15 +60,14 @@ TEST(CodingTest, CarriesEveryPropertyListValueThereAndBack) {
         {"integer", {std::int64_t{1} << 62}},
         {"text", {std::string("plain")}},
     };
-    std::optional<Error> failure;
+    std::atomic<bool> failed = false;
     std::atomic<bool> replied = false;
-    connection->remoteObjectProxyWithErrorHandler([&](const Error& error) { failure = error; })
+    connection->remoteObjectProxyWithErrorHandler([&](const Error&) { failed = true; })
         .send(storeIt, [&](const std::string& signature) { replied = signature == "a{sv}"; }, values);
 
-    EXPECT_TRUE(tests::waitUntil([&] { return replied.load() && sink->done.load(); }));
+    EXPECT_TRUE(tests::blockUntil([&] { return replied && sink->done; }));
     EXPECT_EQ(sink->taken, values);
-    EXPECT_FALSE(failure);
-    QDBusConnection::disconnectFromBus(QStringLiteral("service"));
+    EXPECT_FALSE(failed);
 }
 
 } // namespace quorvale::platform::connection

@@ -1,19 +1,19 @@
 #include "platform/connection/Connection.hpp"
 
+#include "support/BusPeer.hpp"
 #include "support/PrivateBus.hpp"
+#include "support/blockUntil.hpp"
 
-#include <QDBusConnection>
-#include <QDBusConnectionInterface>
-#include <QDBusError>
-#include <QDBusMessage>
-#include <QDBusPendingCall>
-#include <QDBusVirtualObject>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cstdlib>
+#include <filesystem>
+#include <iterator>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,12 +22,16 @@ namespace quorvale::platform::connection {
 namespace {
 
 using testing::ElementsAre;
-using tests::waitUntil;
+using tests::blockUntil;
+using tests::BusPeer;
 
-constexpr auto failed = "failed: org.freedesktop.DBus.Error.Disconnected";
+constexpr auto serviceName = "org.example.Service";
+constexpr auto disconnected = "failed: org.freedesktop.DBus.Error.Disconnected";
 constexpr auto invalidated = "invalidated";
+constexpr Request<bool> ask{"ask", {}};
+constexpr OneWay<> tell{"tell", {}};
 
-/// What happened on the connection's queue, in order.
+/// What happened on the connection's queue or on the service's, in order.
 class Events {
 public:
     void add(std::string event) {
@@ -43,19 +47,6 @@ public:
 private:
     mutable std::mutex mutex_;
     std::vector<std::string> events_;
-};
-
-/// Never answers.
-class Service final : public QDBusVirtualObject {
-public:
-    [[nodiscard]] QString introspect(const QString& /*path*/) const override { return {}; }
-
-    bool handleMessage(const QDBusMessage& message, const QDBusConnection& /*connection*/) override {
-        client = message.service();
-        return true;
-    }
-
-    QString client;
 };
 
 struct Client {
@@ -80,77 +71,100 @@ struct Client {
 
 class ConnectionTest : public testing::Test {
 protected:
-    ConnectionTest()
-        : service_(QDBusConnection::connectToBus(QString::fromStdString(bus_.address()), QStringLiteral("service"))) {
-        qputenv("DBUS_SYSTEM_BUS_ADDRESS", QByteArray::fromStdString(bus_.address()));
-    }
+    ConnectionTest() { setenv("DBUS_SYSTEM_BUS_ADDRESS", bus_.address().c_str(), 1); }
 
     ~ConnectionTest() override {
         client_->release();
-        QDBusConnection::disconnectFromBus(QStringLiteral("service"));
+        connection_.reset();
+        // Nothing of the connection is left then that could still tell this object something.
+        EXPECT_TRUE(blockUntil([&] { return client_.use_count() == 1 && events_.use_count() == 1; }));
     }
 
     /// Connects with a message that is not answered.
     void SetUp() override {
-        ASSERT_TRUE(service_.registerVirtualObject(QStringLiteral("/service"), &object_));
-        ASSERT_TRUE(service_.registerService(QStringLiteral("org.example.Service")));
-        connection_ = Connection::toService({"org.example.Service", "/service", "/client"});
+        service_.emplace(bus_.address(), [this](sd_bus_message* call) {
+            name_ = sd_bus_message_get_sender(call);
+            received_->add(sd_bus_message_get_member(call));
+        });
+        service_->run([this] { service_->own(serviceName); });
+        connection_ = Connection::toService({serviceName, "/service", "/client"});
         ASSERT_TRUE(connection_);
-        static constexpr Request<bool> ask{"ask", {}};
-        connection_->setRemoteObjectInterface({"org.example.Service", {describe(ask)}});
+        connection_->setRemoteObjectInterface({serviceName, {describe(ask), describe(tell)}});
         connection_->setExportedInterface(ExportedInterface<Client>("org.example.Client")
                                               .method(OneWay<>{"hold", {}}, &Client::hold)
                                               .method(OneWay<>{"push", {}}, &Client::push),
                                           client_);
-        auto held = std::make_shared<int>();
-        invalidationHandler_ = held;
-        connection_->setInvalidationHandler([events = events_, held] { events->add(invalidated); });
+        connection_->setInvalidationHandler([events = events_] { events->add(invalidated); });
         connection_->resume();
-        connection_
-            ->remoteObjectProxyWithErrorHandler(
-                [events = events_](const Error& error) { events->add("failed: " + error.name); })
-            .send(ask, [](bool) {});
-        ASSERT_TRUE(waitUntil([&] { return !object_.client.isEmpty(); }));
+        service().send(ask, [](bool) {});
+        ASSERT_TRUE(blockUntil([&] { return received_->all().size() == 1; }));
     }
 
-    [[nodiscard]] QDBusPendingCall call(const QString& interface, const QString& member) const {
-        return service_.asyncCall(
-            QDBusMessage::createMethodCall(object_.client, QStringLiteral("/client"), interface, member));
+    [[nodiscard]] Proxy service() const {
+        return connection_->remoteObjectProxyWithErrorHandler(
+            [events = events_](const Error& error) { events->add("failed: " + error.name); });
     }
 
-    [[nodiscard]] QDBusPendingCall callClient(const QString& member) const {
-        return call(QStringLiteral("org.example.Client"), member);
+    /// The bus has passed the call on when this returns.
+    void callClient(const char* method, const BusPeer::Outcome& outcome) {
+        service_->run([&, outcome] { service_->call({name_, "/client", "org.example.Client", method}, outcome, ""); });
     }
 
     tests::PrivateBus bus_;
-    QDBusConnection service_;
-    Service object_;
+    std::shared_ptr<Events> received_ = std::make_shared<Events>();
+    std::string name_;
+    std::optional<BusPeer> service_;
     std::shared_ptr<Client> client_ = std::make_shared<Client>();
     std::shared_ptr<Events> events_ = std::make_shared<Events>();
     std::shared_ptr<Connection> connection_;
-    std::weak_ptr<int> invalidationHandler_;
 };
 
 TEST_F(ConnectionTest, TakesNoCallThatWasOnItsWayWhenItWasInvalidated) {
-    const auto hold = callClient(QStringLiteral("hold"));
-    ASSERT_TRUE(waitUntil([&] { return client_->held.load(); }));
+    callClient("hold", [](std::string_view) {});
+    ASSERT_TRUE(blockUntil([&] { return client_->held.load(); }));
     connection_->invalidate();
-    const auto push = callClient(QStringLiteral("push"));
-    // The bus has passed the call on when it answers the next one.
-    ASSERT_TRUE(service_.interface()->isServiceRegistered(object_.client));
+    Events answers;
+    callClient("push", [&](std::string_view error) { answers.add(std::string(error)); });
     client_->release();
 
     // The bus connection closes after the last call has been dealt with; the bus tells the caller.
-    ASSERT_TRUE(waitUntil([&] { return push.isFinished(); }));
-    EXPECT_EQ(push.error().type(), QDBusError::NoReply);
+    ASSERT_TRUE(blockUntil([&] { return !answers.all().empty(); }));
+    EXPECT_THAT(answers.all(), ElementsAre("org.freedesktop.DBus.Error.NoReply"));
     EXPECT_FALSE(client_->pushed);
-    EXPECT_THAT(events_->all(), ElementsAre(failed, invalidated));
+    EXPECT_THAT(events_->all(), ElementsAre(disconnected, invalidated));
 }
 
 TEST_F(ConnectionTest, FailsAnUnansweredMessageButIsNotInvalidatedWhenTheLastReferenceGoes) {
     connection_.reset();
-    ASSERT_TRUE(waitUntil([&] { return invalidationHandler_.expired() && !events_->all().empty(); }));
-    EXPECT_THAT(events_->all(), ElementsAre(failed));
+    ASSERT_TRUE(blockUntil([&] { return events_.use_count() == 1; }));
+    EXPECT_THAT(events_->all(), ElementsAre(disconnected));
+}
+
+TEST_F(ConnectionTest, FailsAOneWayMessageThatWasNotDeliveredOrIsNotKnownToBe) {
+    // Delivered: whatever becomes of the service afterwards is of no account.
+    service().send(tell);
+    ASSERT_TRUE(blockUntil([&] { return received_->all().size() == 2; }));
+    service_.reset();
+    ASSERT_TRUE(blockUntil([&] { return events_->all().size() == 1; }));
+    EXPECT_THAT(events_->all(), ElementsAre("failed: org.freedesktop.DBus.Error.NoReply")) << "the request";
+
+    service().send(tell);
+    ASSERT_TRUE(blockUntil([&] { return events_->all().size() == 2; }));
+    EXPECT_EQ(events_->all().back(), "failed: org.freedesktop.DBus.Error.ServiceUnknown");
+
+    bus_.stall();
+    service().send(tell);
+    connection_->invalidate();
+    ASSERT_TRUE(blockUntil([&] { return events_->all().size() == 4; }));
+    bus_.goOn();
+    EXPECT_THAT(events_->all(), ElementsAre(testing::_, testing::_, disconnected, invalidated));
+}
+
+TEST_F(ConnectionTest, EndsItsThreadWhenTheLastReferenceGoes) {
+    const auto threads = [] { return std::ranges::distance(std::filesystem::directory_iterator("/proc/self/task")); };
+    const auto atFirst = threads();
+    connection_.reset();
+    EXPECT_TRUE(blockUntil([&] { return threads() < atFirst; }));
 }
 
 } // namespace quorvale::platform::connection
