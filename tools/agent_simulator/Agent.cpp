@@ -186,7 +186,7 @@ void Agent::noteCall() {
 void Agent::sendState(const QDBusMessage& call, const StateReply& reply) {
     switch (reply.kind) {
     case StateReply::Kind::Text:
-        bus_.send(call.createReply(QStringList{reply.text}));
+        bus_.send(call.createReply(QStringList{reply.text.leftJustified(reply.width)}));
         events_.write({QStringLiteral("replied"), call.member(), call.service(), reply.text});
         break;
     case StateReply::Kind::None:

@@ -11,6 +11,9 @@ std::expected<StateReply, QString> StateReply::parse(const QString& words) {
     if (word == u"text") {
         return StateReply{.text = rest};
     }
+    if (word == u"padded") {
+        return StateReply{.text = rest.section(u' ', 1), .width = rest.section(u' ', 0, 0).toLongLong()};
+    }
     if (word == u"bad") {
         return StateReply{.text = QStringLiteral("{\"active\":tru")};
     }

@@ -30,6 +30,8 @@ struct StateReply {
     Moment moment = Moment::AtOnce;
     /// The state's text, or the error's name.
     QString text = {};
+    /// The characters that the text has at least; blanks follow it.
+    qsizetype width = 0;
     QString errorMessage = {};
     /// The protection status to push at once after the answer.
     std::optional<bool> thenPush = {};
@@ -37,6 +39,7 @@ struct StateReply {
     static constexpr auto help =
         "  TEXT                  the text, such as {\"active\":true}\n"
         "  text TEXT             the same for a text that begins with one of the following words\n"
+        "  padded COUNT TEXT     the text and blanks behind it, COUNT characters\n"
         "  none                  no text\n"
         "  bad                   text that is no JSON\n"
         "  several               two texts, which the interface forbids\n"

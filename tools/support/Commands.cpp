@@ -4,7 +4,7 @@
 
 #include <array>
 #include <cerrno>
-#include <cstdlib>
+#include <csignal>
 #include <unistd.h>
 #include <utility>
 
@@ -56,7 +56,10 @@ void Commands::obey(const QString& line) {
     } else if (word == u"quit") {
         QCoreApplication::exit(exitStatus_);
     } else if (word == u"crash") {
-        std::abort();
+        deadly_ = rest;
+        if (rest.isEmpty()) {
+            std::raise(SIGKILL);
+        }
     } else if (const auto done = handler_(word, rest); !done) {
         fail(done.error());
     }
@@ -87,6 +90,9 @@ void Commands::readInput() {
 }
 
 void Commands::noteEvent(const QString& event) {
+    if (!deadly_.isEmpty() && event.startsWith(deadly_)) {
+        std::raise(SIGKILL);
+    }
     if (awaited_.isEmpty()) {
         unseenEvents_.append(event);
     } else if (event.startsWith(awaited_)) {

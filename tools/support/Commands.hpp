@@ -28,7 +28,9 @@ public:
     static constexpr auto help =
         "  await BEGINNING        obey the next command when an event with this beginning has been written since\n"
         "                         the last one awaited\n"
-        "  quit, crash            end, end by abort()\n"
+        "  quit                   end\n"
+        "  crash [BEGINNING]      end as a killed process does, at once or with the next event that has this "
+        "beginning\n"
         "Empty lines and lines that begin with # are skipped.\n";
     static constexpr int commandFailed = 3;
 
@@ -47,6 +49,7 @@ private:
     QStringList waiting_;
     QStringList unseenEvents_;
     QString awaited_;
+    QString deadly_;
     QTimer patience_;
     QByteArray partial_;
     QSocketNotifier input_;

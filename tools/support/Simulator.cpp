@@ -5,7 +5,6 @@
 
 #include <cstdlib>
 #include <iostream>
-#include <sys/resource.h>
 #include <utility>
 
 namespace quorvale::simulator {
@@ -68,10 +67,6 @@ int Simulator::fail(int status, const QString& reason) {
 }
 
 int Simulator::run(const std::function<std::expected<void, QString>()>& start, Commands::Handler handler) {
-    // The command "crash" is part of ordinary tests, which have no use for a core file.
-    const rlimit noCore{.rlim_cur = 0, .rlim_max = 0};
-    setrlimit(RLIMIT_CORE, &noCore);
-
     Commands commands(events_, patience_, std::move(handler));
     if (parser_.isSet(scriptOption())) {
         QFile script(parser_.value(scriptOption()));

@@ -15,10 +15,12 @@
 #include <QTimer>
 
 #include <atomic>
+#include <climits>
 #include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <dbus/dbus.h>
 #include <malloc.h>
 #include <map>
 #include <mutex>
@@ -102,6 +104,12 @@ void reportMessage(QtMsgType type, const QMessageLogContext& /*context*/, const 
     }
 }
 
+/// The library stops reading while 63 MiB of what it has read wait to be dealt with, and goes on from the thread that
+/// deals with them. The toolkit can't: it reads on a thread of its own, and would never hear from the bus again.
+void readHoweverMuchWaits(const QDBusConnection& bus) {
+    dbus_connection_set_max_received_size(static_cast<DBusConnection*>(bus.internalPointer()), LONG_MAX);
+}
+
 /// The end of the desktop session arrives as a wish to quit.
 class Toolkit final : public QApplication {
 public:
@@ -150,6 +158,7 @@ public:
         if (!bus.isConnected()) {
             return Instance::noSessionBus;
         }
+        readHoweverMuchWaits(bus);
         bus.connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
                     QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"), this,
                     SLOT(busDisconnected()));
