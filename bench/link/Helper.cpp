@@ -10,6 +10,7 @@
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <unistd.h>
 
 namespace quorvale::bench {
 
@@ -82,9 +83,13 @@ void Helper::waitForLines(std::size_t count, std::string_view text) {
     }
 }
 
-void Helper::waitForRest() const {
-    for (auto before = ~0UL; before != processorTime(process_.processId());) {
-        before = processorTime(process_.processId());
+std::chrono::duration<double> processorTimeAtRest(const QProcess& process) {
+    for (auto before = ~0UL;;) {
+        const auto now = processorTime(process.processId());
+        if (now == before) {
+            return std::chrono::duration<double>(static_cast<double>(now) / static_cast<double>(sysconf(_SC_CLK_TCK)));
+        }
+        before = now;
         QThread::msleep(100);
     }
 }

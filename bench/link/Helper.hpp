@@ -4,6 +4,7 @@
 #include <QString>
 #include <QTemporaryDir>
 
+#include <chrono>
 #include <cstddef>
 #include <fstream>
 #include <string_view>
@@ -25,8 +26,7 @@ public:
     /// Waits until it has written so many more lines with `text`.
     void waitForLines(std::size_t count, std::string_view text);
 
-    /// Waits until it takes no processor time.
-    void waitForRest() const;
+    [[nodiscard]] const QProcess& process() const { return process_; }
 
 private:
     QTemporaryDir folder_;
@@ -36,5 +36,8 @@ private:
 
 /// Starts a program that is ended with `process`.
 void start(QProcess& process, const QString& program, const QStringList& arguments = {});
+
+/// Waits until it takes no more processor time: all that it took so far.
+std::chrono::duration<double> processorTimeAtRest(const QProcess& process);
 
 } // namespace quorvale::bench
