@@ -1,214 +1,199 @@
 #include "platform/connection/Coding.hpp"
 
-#include <QDBusArgument>
-#include <QDBusVariant>
-#include <QStringList>
-#include <QVariant>
+#include <systemd/sd-bus.h>
 
+#include <algorithm>
 #include <array>
+#include <concepts>
+#include <string_view>
 #include <utility>
 
 namespace quorvale::platform::connection {
 
 namespace {
 
-QVariant toBusVariant(const PropertyList& list);
+/// What the variant of a property list holds, in the order of its alternatives.
+constexpr std::array variantContents{"s", "x", "d", "b", "ay", "(d)", "av", "a{sv}"};
+static_assert(variantContents.size() == std::variant_size_v<decltype(PropertyList::value)>);
 
-QDBusArgument toBusDictionary(const Dictionary& dictionary) {
-    QDBusArgument argument;
-    argument.beginMap(QMetaType::fromType<QString>(), QMetaType::fromType<QDBusVariant>());
-    for (const auto& [key, value] : dictionary) {
-        argument.beginMapEntry();
-        argument << QString::fromStdString(key) << QDBusVariant(toBusVariant(value));
-        argument.endMapEntry();
-    }
-    argument.endMap();
-    return argument;
-}
+/// Appends a value, or a part of one.
+struct Append {
+    sd_bus_message* message;
 
-struct ToBusVariant {
-    QVariant operator()(const std::string& text) const { return QString::fromStdString(text); }
+    bool operator()(const std::string& text) const { return sd_bus_message_append(message, "s", text.c_str()) >= 0; }
 
-    QVariant operator()(std::int64_t number) const { return QVariant::fromValue<qlonglong>(number); }
+    bool operator()(std::int64_t number) const { return sd_bus_message_append(message, "x", number) >= 0; }
 
-    QVariant operator()(double number) const { return number; }
+    bool operator()(double number) const { return sd_bus_message_append(message, "d", number) >= 0; }
 
-    QVariant operator()(bool value) const { return value; }
+    bool operator()(bool value) const { return sd_bus_message_append(message, "b", int{value}) >= 0; }
 
-    QVariant operator()(const std::vector<std::byte>& data) const {
-        return QByteArray(reinterpret_cast<const char*>(data.data()), static_cast<qsizetype>(data.size()));
+    bool operator()(Date date) const { return sd_bus_message_append(message, "(d)", date.secondsSince1970) >= 0; }
+
+    bool operator()(const std::vector<std::byte>& data) const {
+        return sd_bus_message_append_array(message, 'y', data.data(), data.size()) >= 0;
     }
 
-    QVariant operator()(const Date& date) const {
-        QDBusArgument argument;
-        argument.beginStructure();
-        argument << date.secondsSince1970;
-        argument.endStructure();
-        return QVariant::fromValue(argument);
+    bool operator()(const PropertyList& list) const {
+        return inside('v', variantContents[list.value.index()], [&] { return std::visit(*this, list.value); });
     }
 
-    QVariant operator()(const std::vector<PropertyList>& list) const {
-        QDBusArgument argument;
-        argument.beginArray(QMetaType::fromType<QDBusVariant>());
-        for (const auto& element : list) {
-            argument << QDBusVariant(toBusVariant(element));
-        }
-        argument.endArray();
-        return QVariant::fromValue(argument);
+    bool operator()(const std::vector<PropertyList>& list) const {
+        return inside('a', "v", [&] { return std::ranges::all_of(list, *this); });
     }
 
-    QVariant operator()(const Dictionary& dictionary) const { return QVariant::fromValue(toBusDictionary(dictionary)); }
+    bool operator()(const Dictionary::value_type& member) const {
+        return inside('e', "sv", [&] { return (*this)(member.first) && (*this)(member.second); });
+    }
+
+    bool operator()(const Dictionary& dictionary) const {
+        return inside('a', "{sv}", [&] { return std::ranges::all_of(dictionary, *this); });
+    }
+
+    bool operator()(const std::optional<std::string>& text) const {
+        return inside('a', "s", [&] { return !text || (*this)(*text); });
+    }
+
+    [[nodiscard]] bool inside(char type, const char* contents, std::predicate auto fill) const {
+        return sd_bus_message_open_container(message, type, contents) >= 0 && fill() &&
+               sd_bus_message_close_container(message) >= 0;
+    }
 };
 
-QVariant toBusVariant(const PropertyList& list) {
-    return std::visit(ToBusVariant{}, list.value);
+template <typename Result>
+constexpr auto as = [](auto&& value) { return Result{std::forward<decltype(value)>(value)}; };
+
+template <typename Basic>
+std::optional<Basic> readBasic(sd_bus_message* message, char type) {
+    Basic value{};
+    return sd_bus_message_read_basic(message, type, static_cast<void*>(&value)) > 0 ? std::optional(value)
+                                                                                    : std::nullopt;
 }
 
-std::optional<PropertyList> propertyList(const QVariant& value);
+std::optional<std::string> readText(sd_bus_message* message) {
+    return readBasic<const char*>(message, 's').transform(as<std::string>);
+}
 
-std::optional<Dictionary> dictionaryOf(const QDBusArgument& argument) {
+std::optional<bool> readBoolean(sd_bus_message* message) {
+    return readBasic<int>(message, 'b').transform([](int value) { return value != 0; });
+}
+
+template <std::integral Integer>
+std::optional<PropertyList> readInteger(sd_bus_message* message, char type) {
+    const auto number = readBasic<Integer>(message, type);
+    return number && std::in_range<std::int64_t>(*number)
+               ? std::optional(PropertyList{static_cast<std::int64_t>(*number)})
+               : std::nullopt;
+}
+
+/// Enters the container that comes next, has `readOne` read what it holds, one after the other, and leaves it.
+bool readContainer(sd_bus_message* message, char type, const char* contents, std::predicate auto readOne) {
+    if (sd_bus_message_enter_container(message, type, contents) <= 0) {
+        return false;
+    }
+    while (sd_bus_message_at_end(message, 0) == 0) {
+        if (!readOne()) {
+            return false;
+        }
+    }
+    return sd_bus_message_exit_container(message) >= 0;
+}
+
+std::optional<PropertyList> readElement(sd_bus_message* message);
+
+std::optional<Dictionary> readDictionary(sd_bus_message* message) {
     Dictionary dictionary;
-    argument.beginMap();
-    while (!argument.atEnd()) {
-        QString key;
-        QDBusVariant value;
-        argument.beginMapEntry();
-        argument >> key >> value;
-        argument.endMapEntry();
-        auto member = propertyList(value.variant());
-        if (!member) {
-            return std::nullopt;
-        }
-        dictionary.insert_or_assign(key.toStdString(), *std::move(member));
-    }
-    argument.endMap();
-    return dictionary;
+    const auto readMember = [&] {
+        const auto key = readText(message);
+        auto value = key ? readElement(message) : std::nullopt;
+        return value && (dictionary.insert_or_assign(*key, *std::move(value)), true);
+    };
+    const auto readEntry = [&] { return readContainer(message, 'e', "sv", readMember); };
+    return readContainer(message, 'a', "{sv}", readEntry) ? std::optional(std::move(dictionary)) : std::nullopt;
 }
 
-std::optional<PropertyList> listOf(const QDBusArgument& argument) {
-    std::vector<PropertyList> list;
-    argument.beginArray();
-    while (!argument.atEnd()) {
-        auto element = propertyList(argument.asVariant());
-        if (!element) {
-            return std::nullopt;
-        }
-        list.push_back(*std::move(element));
-    }
-    argument.endArray();
-    return PropertyList{std::move(list)};
+/// What an array, a structure or a variant holds.
+std::optional<std::vector<PropertyList>> readElements(sd_bus_message* message, char type) {
+    std::vector<PropertyList> elements;
+    const auto readOne = [&] {
+        auto element = readElement(message);
+        return element && (elements.push_back(*std::move(element)), true);
+    };
+    return readContainer(message, type, nullptr, readOne) ? std::optional(std::move(elements)) : std::nullopt;
 }
 
-/// What arrives in a form of its own: arrays other than of bytes or strings, maps, structures.
-std::optional<PropertyList> propertyList(const QDBusArgument& argument) {
-    const auto signature = argument.currentSignature();
-    if (signature == QLatin1String("a{sv}")) {
-        auto dictionary = dictionaryOf(argument);
-        return dictionary ? std::optional(PropertyList{*std::move(dictionary)}) : std::nullopt;
+std::optional<PropertyList> readData(sd_bus_message* message) {
+    const void* data = nullptr;
+    std::size_t size = 0;
+    if (sd_bus_message_read_array(message, 'y', &data, &size) < 0) {
+        return std::nullopt;
     }
-    if (signature == QLatin1String("(d)")) {
-        Date date;
-        argument.beginStructure();
-        argument >> date.secondsSince1970;
-        argument.endStructure();
-        return PropertyList{date};
-    }
-    return argument.currentType() == QDBusArgument::ArrayType ? listOf(argument) : std::nullopt;
+    const auto* const begin = static_cast<const std::byte*>(data);
+    return PropertyList{std::vector(begin, begin + size)};
 }
 
-std::optional<PropertyList> propertyList(const QVariant& value) {
-    switch (value.typeId()) {
-    case QMetaType::QString:
-        return PropertyList{value.toString().toStdString()};
-    case QMetaType::Bool:
-        return PropertyList{value.toBool()};
-    case QMetaType::Double:
-        return PropertyList{value.toDouble()};
-    case QMetaType::UChar:
-    case QMetaType::Short:
-    case QMetaType::UShort:
-    case QMetaType::Int:
-    case QMetaType::UInt:
-    case QMetaType::LongLong:
-        return PropertyList{std::int64_t{value.toLongLong()}};
-    case QMetaType::ULongLong:
-        return std::in_range<std::int64_t>(value.toULongLong())
-                   ? std::optional(PropertyList{static_cast<std::int64_t>(value.toULongLong())})
-                   : std::nullopt;
-    case QMetaType::QByteArray: {
-        const auto bytes = value.toByteArray();
-        const auto* const begin = reinterpret_cast<const std::byte*>(bytes.constData());
-        return PropertyList{std::vector<std::byte>(begin, begin + bytes.size())};
-    }
-    case QMetaType::QStringList: {
-        std::vector<PropertyList> list;
-        for (const auto& text : value.toStringList()) {
-            list.push_back({text.toStdString()});
-        }
-        return PropertyList{std::move(list)};
-    }
+/// Any of the forms that `PropertyList` names, in a variant or plain.
+std::optional<PropertyList> readElement(sd_bus_message* message) {
+    char type = 0;
+    const char* inside = nullptr;
+    sd_bus_message_peek_type(message, &type, &inside);
+    const std::string_view contents = inside ? inside : "";
+    switch (type) {
+    case 's':
+        return readText(message).transform(as<PropertyList>);
+    case 'b':
+        return readBoolean(message).transform(as<PropertyList>);
+    case 'd':
+        return readBasic<double>(message, type).transform(as<PropertyList>);
+    case 'y':
+        return readInteger<std::uint8_t>(message, type);
+    case 'n':
+        return readInteger<std::int16_t>(message, type);
+    case 'q':
+        return readInteger<std::uint16_t>(message, type);
+    case 'i':
+        return readInteger<std::int32_t>(message, type);
+    case 'u':
+        return readInteger<std::uint32_t>(message, type);
+    case 'x':
+        return readInteger<std::int64_t>(message, type);
+    case 't':
+        return readInteger<std::uint64_t>(message, type);
+    case 'a':
+        return contents == "{sv}" ? readDictionary(message).transform(as<PropertyList>)
+               : contents == "y"  ? readData(message)
+                                  : readElements(message, type).transform(as<PropertyList>);
+    case 'r':
+        return contents != "d" ? std::nullopt : readElements(message, type).transform([](const auto& elements) {
+            return PropertyList{Date{std::get<double>(elements.front().value)}};
+        });
+    case 'v':
+        return readElements(message, type).transform([](auto&& elements) { return std::move(elements.front()); });
     default:
-        break;
+        return std::nullopt;
     }
-    if (value.metaType() == QMetaType::fromType<QDBusVariant>()) {
-        return propertyList(value.value<QDBusVariant>().variant());
-    }
-    if (value.metaType() == QMetaType::fromType<QDBusArgument>()) {
-        return propertyList(value.value<QDBusArgument>());
-    }
-    return std::nullopt;
 }
-
-struct ToBus {
-    QVariant operator()(const std::string& text) const { return QString::fromStdString(text); }
-
-    QVariant operator()(bool value) const { return value; }
-
-    QVariant operator()(double number) const { return number; }
-
-    QVariant operator()(const Dictionary& dictionary) const { return QVariant::fromValue(toBusDictionary(dictionary)); }
-
-    QVariant operator()(const std::optional<std::string>& text) const {
-        return text ? QStringList(QString::fromStdString(*text)) : QStringList();
-    }
-};
 
 } // namespace
 
-std::string_view signatureOf(Type type) {
-    static constexpr std::array<std::string_view, std::variant_size_v<Value>> signatures{"s", "b", "d", "a{sv}", "as"};
-    return signatures[std::to_underlying(type)];
+bool append(sd_bus_message* message, const Value& value) {
+    return std::visit(Append{message}, value);
 }
 
-QVariant toBus(const Value& value) {
-    return std::visit(ToBus{}, value);
-}
-
-std::optional<Value> fromBus(Type type, const QVariant& value) {
-    const auto is = [&](QMetaType::Type expected) { return value.typeId() == expected; };
+std::optional<Value> read(sd_bus_message* message, Type type) {
     switch (type) {
     case Type::text:
-        return is(QMetaType::QString) ? std::optional<Value>(value.toString().toStdString()) : std::nullopt;
+        return readText(message).transform(as<Value>);
     case Type::boolean:
-        return is(QMetaType::Bool) ? std::optional<Value>(value.toBool()) : std::nullopt;
+        return readBoolean(message).transform(as<Value>);
     case Type::number:
-        return is(QMetaType::Double) ? std::optional<Value>(value.toDouble()) : std::nullopt;
-    case Type::dictionary: {
-        const auto argument = value.value<QDBusArgument>();
-        if (value.metaType() != QMetaType::fromType<QDBusArgument>() ||
-            argument.currentSignature() != QLatin1String("a{sv}")) {
-            return std::nullopt;
-        }
-        auto dictionary = dictionaryOf(argument);
-        return dictionary ? std::optional<Value>(*std::move(dictionary)) : std::nullopt;
-    }
+        return readBasic<double>(message, 'd').transform(as<Value>);
+    case Type::dictionary:
+        return readDictionary(message).transform(as<Value>);
     case Type::optionalText: {
-        const auto texts = value.toStringList();
-        if (!is(QMetaType::QStringList) || texts.size() > 1) {
-            return std::nullopt;
-        }
-        auto text = texts.isEmpty() ? std::nullopt : std::optional(texts.front().toStdString());
-        return Value(std::move(text));
+        std::optional<std::string> text;
+        const auto readOne = [&] { return !text && (text = readText(message)); };
+        return readContainer(message, 'a', "s", readOne) ? std::optional(Value(std::move(text))) : std::nullopt;
     }
     }
     return std::nullopt;

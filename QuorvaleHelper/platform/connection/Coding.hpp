@@ -3,18 +3,16 @@
 #include "platform/connection/Value.hpp"
 
 #include <optional>
-#include <string_view>
 
-class QVariant;
+struct sd_bus_message;
 
 namespace quorvale::platform::connection {
 
-/// The D-Bus signature that carries a type.
-std::string_view signatureOf(Type type);
+/// Appends `value` to a message that is being made. False when the message can't hold it, and then is of no use.
+bool append(sd_bus_message* message, const Value& value);
 
-QVariant toBus(const Value& value);
-
-/// Nothing when `value` is not what `type` is carried as.
-std::optional<Value> fromBus(Type type, const QVariant& value);
+/// Reads the next value of a received message. Nothing when it is not what `type` is carried as; how far it was read
+/// is then not known.
+std::optional<Value> read(sd_bus_message* message, Type type);
 
 } // namespace quorvale::platform::connection

@@ -2,361 +2,382 @@
 
 #include "platform/connection/Coding.hpp"
 
-#include <QDBusConnection>
-#include <QDBusError>
-#include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
-#include <QDBusVirtualObject>
-#include <QThread>
+#include <systemd/sd-bus.h>
 
 #include <algorithm>
-#include <atomic>
-#include <expected>
-#include <limits>
+#include <array>
+#include <chrono>
+#include <climits>
+#include <cstdint>
+#include <cstdlib>
 #include <map>
+#include <mutex>
+#include <poll.h>
+#include <set>
+#include <sys/eventfd.h>
+#include <system_error>
+#include <thread>
+#include <unistd.h>
 #include <utility>
 
 namespace quorvale::platform::connection {
 
 namespace {
 
-constexpr int noTimeLimit = std::numeric_limits<int>::max();
+constexpr auto busName = "org.freedesktop.DBus";
 
-QString busName() {
-    return QStringLiteral("org.freedesktop.DBus");
+struct Release {
+    void operator()(sd_bus* bus) const { sd_bus_close_unref(bus); }
+
+    void operator()(sd_bus_message* message) const { sd_bus_message_unref(message); }
+};
+
+template <typename Object>
+using Handle = std::unique_ptr<Object, Release>;
+
+std::string textOf(const char* text) {
+    return text ? text : "";
 }
 
-QString busPath() {
-    return QStringLiteral("/org/freedesktop/DBus");
+std::string senderOf(sd_bus_message* message) {
+    return textOf(sd_bus_message_get_sender(message));
 }
 
-QString toQString(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+bool isError(sd_bus_message* answer) {
+    return sd_bus_message_is_method_error(answer, nullptr) > 0;
 }
 
-/// The bus is opened by address, because libdbus would go on using the one it read from the environment first.
-QString systemBusAddress() {
-    return qEnvironmentVariable("DBUS_SYSTEM_BUS_ADDRESS", QStringLiteral("unix:path=/run/dbus/system_bus_socket"));
+Error errorOf(sd_bus_message* answer) {
+    const auto* const error = sd_bus_message_get_error(answer);
+    return {textOf(error->name), textOf(error->message)};
 }
 
-QString argumentName(const Method& method, std::size_t index) {
-    return index < method.parameters.size() ? toQString(method.parameters[index].name)
-                                            : QStringLiteral("number %1").arg(index + 1);
+/// Whether a one-way message came back. Any answer of the peer, and its end before it gave one, tells that it arrived.
+bool isUndelivered(sd_bus_message* answer) {
+    return isError(answer) && senderOf(answer) == busName &&
+           sd_bus_message_is_method_error(answer, SD_BUS_ERROR_NO_REPLY) == 0;
 }
 
-/// The arguments of a call, or the index of the first that is missing, superfluous or of another type.
-std::expected<std::vector<Value>, std::size_t> decode(const Method& method, const QList<QVariant>& received) {
-    const auto count = static_cast<std::size_t>(received.size());
-    std::vector<Value> arguments;
-    for (std::size_t index = 0; index < method.parameters.size(); ++index) {
-        auto value = index < count ? fromBus(method.parameters[index].type, received[static_cast<qsizetype>(index)])
-                                   : std::nullopt;
-        if (!value) {
-            return std::unexpected(index);
-        }
-        arguments.push_back(*std::move(value));
-    }
-    if (count > arguments.size()) {
-        return std::unexpected(arguments.size());
-    }
-    return arguments;
+/// None when the system bus doesn't take a connection at once. Nothing is received, and no message sent, before the
+/// connection is first processed; the library gives it up when the bus doesn't greet it then.
+Handle<sd_bus> openSystemBus() {
+    const auto* const chosen = std::getenv("DBUS_SYSTEM_BUS_ADDRESS");
+    sd_bus* bus = nullptr;
+    sd_bus_new(&bus);
+    Handle<sd_bus> handle(bus);
+    const bool isOpening = bus &&
+                           sd_bus_set_address(bus, chosen ? chosen : "unix:path=/run/dbus/system_bus_socket") >= 0 &&
+                           sd_bus_set_bus_client(bus, 1) >= 0 &&
+                           // No method has a descriptor among its arguments.
+                           sd_bus_negotiate_fds(bus, 0) >= 0 && sd_bus_start(bus) >= 0;
+    return isOpening ? std::move(handle) : nullptr;
 }
 
 } // namespace
 
-std::string Error::localizedDescription() const {
-    return name + ": " + message;
-}
-
-/// The part of a connection that lives on the connection's thread and is touched there only.
-class Channel final : public QDBusVirtualObject {
-    Q_OBJECT
-
+/// The connection's thread and what lives on it. One loop takes what was posted and what the bus has sent, one at a
+/// time, so that there is one order of all of it. Everything but `post` is called on that thread.
+class Channel {
 public:
-    using Incoming = std::function<void(std::vector<Value>)>;
+    using Work = std::move_only_function<void()>;
 
-    static std::shared_ptr<Channel> create(const ServiceAddress& address, const QDBusConnection& bus) {
-        auto* const thread = new QThread;
-        thread->setObjectName(QStringLiteral("agent connection"));
-        QObject::connect(thread, &QThread::finished, thread, &QObject::deleteLater);
-        auto* const channel = new Channel(address, bus);
-        channel->moveToThread(thread);
-        thread->start();
-        return {channel, [](Channel* last) { last->post([last] { last->retire(); }); }};
+    /// None when the system bus, or the means for a thread, can't be had.
+    static std::shared_ptr<Channel> toService(const ServiceAddress& address) {
+        auto channel = std::unique_ptr<Channel>(new Channel(address));
+        if (!channel->bus_ || channel->wakeUp_ < 0 || !channel->watchService()) {
+            return nullptr;
+        }
+        try {
+            std::thread([channel = channel.get()] { channel->run(); }).detach();
+        } catch (const std::system_error&) {
+            return nullptr;
+        }
+        return {channel.release(), [](Channel* last) {
+                    last->post([last] {
+                        last->with_.onInvalidation = {};
+                        last->becomeInvalid();
+                        last->isRetired_ = true;
+                    });
+                }};
     }
 
-    /// Runs `work` on the connection's thread, after everything that was posted before.
-    template <typename Work>
+    ~Channel() { ::close(wakeUp_); }
+
+    /// Runs `work` on the connection's thread, after everything that was posted before. Any thread.
     void post(Work work) {
-        QMetaObject::invokeMethod(this, std::move(work), Qt::QueuedConnection);
+        const std::scoped_lock lock(mutex_);
+        posted_.push_back(std::move(work));
+        ::eventfd_write(wakeUp_, 1);
     }
 
-    void resume() {
-        if (!bus_.isConnected()) {
-            becomeInvalid();
+    void resume(Configuration configuration) {
+        with_ = std::move(configuration);
+        isResumed_ = true;
+    }
+
+    void send(const std::string& interface, const Method& method, const std::vector<Value>& arguments,
+              const ErrorHandler& onError, const std::function<void(Value)>& onReply) {
+        if (!bus_) {
+            onError(disconnected());
             return;
         }
-        bus_.connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
-                     QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"), this,
-                     SLOT(busDisconnected()));
-        // Not QDBusServiceWatcher: its signal takes one turn more than an incoming call does, so that a new owner's
-        // first call would be taken for a stranger's.
-        bus_.connect(busName(), busPath(), busName(), QStringLiteral("NameOwnerChanged"), {service()},
-                     QStringLiteral("sss"), this, SLOT(nameOwnerChanged(QDBusMessage)));
-        bus_.registerVirtualObject(toQString(address_.clientObjectPath), this);
-        askBus(QStringLiteral("GetNameOwner"), {service()}, [this](const QDBusMessage& answer) {
-            if (answer.type() == QDBusMessage::ReplyMessage) {
-                owner_ = answer.arguments().value(0).toString();
-            } else {
-                startService();
+        const auto appendArguments = [&](sd_bus_message* message) {
+            return std::ranges::all_of(arguments, [&](const auto& argument) { return append(message, argument); });
+        };
+        const auto sent =
+            call(address_.name, address_.objectPath, interface, std::string(method.name), appendArguments);
+        if (!sent) {
+            onError({SD_BUS_ERROR_FAILED, "The message can't be sent."});
+            return;
+        }
+        auto& pending = pending_[*sent];
+        pending.onEnd = onError;
+        if (method.reply) {
+            pending.onAnswer = [type = *method.reply, onError, onReply](sd_bus_message* answer) {
+                if (isError(answer)) {
+                    onError(errorOf(answer));
+                } else if (auto value = read(answer, type); value && sd_bus_message_at_end(answer, 1) > 0) {
+                    onReply(*std::move(value));
+                } else {
+                    onError({SD_BUS_ERROR_INVALID_SIGNATURE, "The reply does not decode."});
+                }
+            };
+            return;
+        }
+        pending.onAnswer = [onError](sd_bus_message* answer) {
+            if (isUndelivered(answer)) {
+                onError(errorOf(answer));
+            }
+        };
+        // The bus deals with messages in their order: when it answers this one, it has delivered the one before, or has
+        // sent it back already, or keeps it for a service that it starts.
+        askBus("GetId", "", "", [this, delivered = *sent](sd_bus_message* /*answer*/) {
+            if (const auto message = pending_.find(delivered); message != pending_.end()) {
+                message->second.onEnd = {};
             }
         });
     }
 
-    void send(const Method& method, const std::vector<Value>& arguments, const ErrorHandler& onError,
-              const std::function<void(Value)>& onReply) {
-        if (!valid_) {
-            onError({"org.freedesktop.DBus.Error.Disconnected", "The connection was invalidated."});
-            return;
-        }
-        auto message =
-            QDBusMessage::createMethodCall(service(), servicePath(), toQString(remoteName_), toQString(method.name));
-        for (const auto& argument : arguments) {
-            message << toBus(argument);
-        }
-        pending_.emplace(watch(message), Pending{method.reply, onError, onReply});
-    }
-
     void becomeInvalid() {
-        if (!std::exchange(valid_, false)) {
+        if (!bus_) {
             return;
         }
-        bus_.unregisterObject(toQString(address_.clientObjectPath));
-        const auto name = bus_.name();
-        bus_ = QDBusConnection(QString());
-        QDBusConnection::disconnectFromBus(name);
-        for (const auto& [watcher, message] : std::exchange(pending_, {})) {
-            watcher->deleteLater();
-            message.onError({"org.freedesktop.DBus.Error.Disconnected", "The connection was invalidated."});
-        }
-        incoming_.clear();
-        onInterruption_ = {};
-        if (const auto handler = std::exchange(onInvalidation_, {})) {
-            handler();
-        }
-    }
-
-    [[nodiscard]] QString introspect(const QString& /*path*/) const override {
-        auto xml = QStringLiteral("<interface name=\"%1\">").arg(toQString(exported_.name));
-        for (const auto& method : exported_.methods) {
-            xml += QStringLiteral("<method name=\"%1\">").arg(toQString(method.name));
-            for (const auto& [name, type] : method.parameters) {
-                xml += QStringLiteral("<arg name=\"%1\" type=\"%2\" direction=\"in\"/>")
-                           .arg(toQString(name), toQString(signatureOf(type)));
+        bus_.reset();
+        for (const auto& [serial, message] : std::exchange(pending_, {})) {
+            if (message.onEnd) {
+                message.onEnd(disconnected());
             }
-            xml += QStringLiteral("</method>");
         }
-        return xml + QStringLiteral("</interface>");
-    }
-
-    bool handleMessage(const QDBusMessage& message, const QDBusConnection& /*connection*/) override {
-        // A call that was in the queue already. The bus answers its caller when it sees the connection closed.
-        if (!valid_) {
-            return true;
-        }
-        if (!message.interface().isEmpty() && message.interface() != toQString(exported_.name)) {
-            return false;
-        }
-        if (owner_.isEmpty() || message.service() != owner_) {
-            answer(message, message.createErrorReply(QDBusError::AccessDenied,
-                                                     QStringLiteral("Only the owner of %1 may call.").arg(service())));
-            return true;
-        }
-        const auto method = std::ranges::find_if(
-            exported_.methods, [&](const Method& known) { return toQString(known.name) == message.member(); });
-        if (method == exported_.methods.end()) {
-            answer(message, message.createErrorReply(QDBusError::UnknownMethod,
-                                                     QStringLiteral("There is no method %1.").arg(message.member())));
-            return true;
-        }
-        auto arguments = decode(*method, message.arguments());
-        if (!arguments) {
-            answer(message,
-                   message.createErrorReply(QDBusError::InvalidArgs,
-                                            QStringLiteral("%1: argument %2 does not decode.")
-                                                .arg(message.member(), argumentName(*method, arguments.error()))));
-            return true;
-        }
-        incoming_[static_cast<std::size_t>(method - exported_.methods.begin())](*std::move(arguments));
-        answer(message, message.createReply());
-        return true;
-    }
-
-    std::string_view remoteName_;
-    Interface exported_;
-    std::vector<Incoming> incoming_;
-    std::function<void()> onInvalidation_;
-    std::function<void()> onInterruption_;
-
-private Q_SLOTS:
-
-    void busDisconnected() { becomeInvalid(); }
-
-    void nameOwnerChanged(const QDBusMessage& message) {
-        // Another process can address a signal of any name to us; only the bus itself is believed.
-        if (message.service() != busName()) {
-            return;
-        }
-        const auto previous = std::exchange(owner_, message.arguments().value(2).toString());
-        if (!previous.isEmpty() && onInterruption_) {
-            onInterruption_();
+        if (const auto ended = std::exchange(with_, {}).onInvalidation) {
+            ended();
         }
     }
 
 private:
+    /// A message that was sent: what takes its answer, an error too, and what takes the end of the connection before.
     struct Pending {
-        std::optional<Type> reply;
-        ErrorHandler onError;
-        std::function<void(Value)> onReply;
+        std::function<void(sd_bus_message*)> onAnswer;
+        ErrorHandler onEnd;
     };
 
-    Channel(ServiceAddress address, QDBusConnection bus) : address_(std::move(address)), bus_(std::move(bus)) {}
+    explicit Channel(ServiceAddress address) : address_(std::move(address)), bus_(openSystemBus()) {}
 
-    [[nodiscard]] QString service() const { return toQString(address_.name); }
+    static Error disconnected() { return {SD_BUS_ERROR_DISCONNECTED, "The connection was invalidated."}; }
 
-    [[nodiscard]] QString servicePath() const { return toQString(address_.objectPath); }
+    void run() {
+        while (!isRetired_) {
+            for (auto& work : takePosted()) {
+                work();
+            }
+            const auto processed = bus_ && isResumed_ ? sd_bus_process(bus_.get(), nullptr) : 0;
+            if (processed < 0) {
+                becomeInvalid();
+            } else if (processed == 0) {
+                wait();
+            }
+        }
+        delete this;
+    }
 
-    void startService() {
-        askBus(QStringLiteral("StartServiceByName"), {service(), 0U}, [this](const QDBusMessage& answer) {
-            if (answer.type() == QDBusMessage::ErrorMessage) {
+    std::vector<Work> takePosted() {
+        const std::scoped_lock lock(mutex_);
+        return std::exchange(posted_, {});
+    }
+
+    /// Until something was posted, or the bus has something or takes something.
+    void wait() const {
+        std::array descriptors{pollfd{wakeUp_, POLLIN, 0}, pollfd{-1, 0, 0}};
+        std::uint64_t deadline = UINT64_MAX; // of the monotonic clock, in microseconds
+        if (bus_ && isResumed_) {
+            descriptors[1] = {sd_bus_get_fd(bus_.get()), static_cast<short>(sd_bus_get_events(bus_.get())), 0};
+            sd_bus_get_timeout(bus_.get(), &deadline);
+        }
+        using namespace std::chrono;
+        const auto left = microseconds(deadline) - steady_clock::now().time_since_epoch();
+        const auto limit = std::clamp<std::int64_t>(ceil<milliseconds>(left).count(), 0, INT_MAX);
+        ::poll(descriptors.data(), descriptors.size(), deadline == UINT64_MAX ? -1 : static_cast<int>(limit));
+        eventfd_t count = 0;
+        ::eventfd_read(wakeUp_, &count);
+    }
+
+    /// Makes the questions after the service's owner the first messages on the bus.
+    bool watchService() {
+        const auto rule =
+            "type='signal',sender='org.freedesktop.DBus',member='NameOwnerChanged',arg0='" + address_.name + '\'';
+        sd_bus_add_filter(bus_.get(), nullptr, receive, this);
+        askBus("AddMatch", "s", rule, [this](sd_bus_message* answer) {
+            if (isError(answer)) {
                 becomeInvalid();
             }
         });
-    }
-
-    template <typename Handler>
-    void askBus(const QString& member, const QList<QVariant>& arguments, Handler handler) {
-        auto message = QDBusMessage::createMethodCall(busName(), busPath(), busName(), member);
-        message.setArguments(arguments);
-        auto* const watcher = new QDBusPendingCallWatcher(bus_.asyncCall(message, noTimeLimit), this);
-        connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, handler](QDBusPendingCallWatcher* done) {
-            done->deleteLater();
-            if (valid_) {
-                handler(done->reply());
+        askBus("GetNameOwner", "s", address_.name, [this](sd_bus_message* answer) {
+            const char* owner = nullptr;
+            if (!isError(answer) && sd_bus_message_read(answer, "s", &owner) > 0) {
+                setOwner(owner);
+                return;
             }
+            askBus("StartServiceByName", "su", address_.name, [this](sd_bus_message* refusal) {
+                if (isError(refusal) && owner_.empty()) {
+                    becomeInvalid();
+                }
+            });
         });
+        return bus_ != nullptr;
     }
 
-    QDBusPendingCallWatcher* watch(const QDBusMessage& message) {
-        // An answer is asked for also where there is nothing to answer: it is how the bus tells that a message did not
-        // arrive.
-        auto* const watcher = new QDBusPendingCallWatcher(bus_.asyncCall(message, noTimeLimit), this);
-        connect(watcher, &QDBusPendingCallWatcher::finished, this, &Channel::finish);
-        return watcher;
-    }
-
-    void finish(QDBusPendingCallWatcher* watcher) {
-        watcher->deleteLater();
-        const auto message = pending_.extract(watcher);
-        if (message.empty()) {
-            return;
-        }
-        const auto& [replyType, onError, onReply] = message.mapped();
-        const auto answer = watcher->reply();
-        if (answer.type() == QDBusMessage::ErrorMessage) {
-            onError({answer.errorName().toStdString(), answer.errorMessage().toStdString()});
-            return;
-        }
-        if (!replyType) {
-            return;
-        }
-        const auto values = answer.arguments();
-        auto value = values.size() == 1 ? fromBus(*replyType, values.front()) : std::nullopt;
-        if (value) {
-            onReply(*std::move(value));
+    /// Calls a method of the bus itself, with flags of 0 where `types` has them.
+    void askBus(const char* method, const char* types, const std::string& argument,
+                std::function<void(sd_bus_message*)> onAnswer) {
+        const auto sent = call(busName, "/org/freedesktop/DBus", busName, method, [&](sd_bus_message* message) {
+            return sd_bus_message_append(message, types, argument.c_str(), 0U) >= 0;
+        });
+        if (sent) {
+            pending_[*sent].onAnswer = std::move(onAnswer);
         } else {
-            onError({"org.freedesktop.DBus.Error.InvalidSignature",
-                     "The reply is of type \"" + answer.signature().toStdString() + "\"."});
+            becomeInvalid();
         }
     }
 
-    void answer(const QDBusMessage& call, const QDBusMessage& reply) {
-        if (call.isReplyRequired()) {
-            bus_.send(reply);
+    /// Sends a call that is to be answered: its serial number, which grows. None when it can't be sent.
+    std::optional<std::uint64_t> call(const std::string& service, const std::string& path, const std::string& interface,
+                                      const std::string& method, std::predicate<sd_bus_message*> auto appendArguments) {
+        sd_bus_message* message = nullptr;
+        sd_bus_message_new_method_call(bus_.get(), &message, service.c_str(), path.c_str(), interface.c_str(),
+                                       method.c_str());
+        const Handle<sd_bus_message> handle(message);
+        std::uint64_t serial = 0;
+        const bool isSent = message && appendArguments(message) && sd_bus_send(bus_.get(), message, &serial) >= 0;
+        return isSent ? std::optional(serial) : std::nullopt;
+    }
+
+    /// Takes whatever the bus has sent, in its order. 0 leaves a message to the library, which answers calls of
+    /// org.freedesktop.DBus.Peer and refuses other calls.
+    static int receive(sd_bus_message* message, void* channel, sd_bus_error* /*error*/) noexcept {
+        auto& self = *static_cast<Channel*>(channel);
+        if (sd_bus_message_is_method_call(message, nullptr, nullptr) > 0) {
+            return self.receiveCall(message);
+        }
+        const char* name = nullptr;
+        const char* owner = nullptr;
+        if (sd_bus_message_is_signal(message, busName, "NameOwnerChanged") == 0) {
+            self.receiveAnswer(message);
+            // Another process can address a signal of any name to us; only the bus itself is believed.
+        } else if (senderOf(message) == busName && sd_bus_message_read(message, "sss", &name, nullptr, &owner) > 0 &&
+                   name == self.address_.name) {
+            self.setOwner(owner);
+        }
+        return 1;
+    }
+
+    void setOwner(const char* owner) {
+        if (pending_.empty()) {
+            peers_.clear();
+        }
+        const auto previous = std::exchange(owner_, owner);
+        peers_.insert(owner_);
+        if (!previous.empty() && previous != owner_ && with_.onInterruption) {
+            with_.onInterruption();
         }
     }
 
-    /// Nobody holds the channel any more.
-    void retire() {
-        onInvalidation_ = {};
-        becomeInvalid();
-        deleteLater();
-        thread()->quit();
+    void receiveAnswer(sd_bus_message* answer) {
+        std::uint64_t serial = 0;
+        sd_bus_message_get_reply_cookie(answer, &serial);
+        const auto message = pending_.find(serial);
+        const auto sender = senderOf(answer);
+        // A message may have reached a process that is no longer the owner, but none that never was.
+        if (message != pending_.end() && (sender == busName || peers_.contains(sender))) {
+            pending_.extract(message).mapped().onAnswer(answer);
+        }
+    }
+
+    int receiveCall(sd_bus_message* call) {
+        const auto interface = textOf(sd_bus_message_get_interface(call));
+        if (sd_bus_message_get_path(call) != address_.clientObjectPath ||
+            (!interface.empty() && interface != with_.exported.name)) {
+            return 0;
+        }
+        if (owner_.empty() || senderOf(call) != owner_) {
+            return sd_bus_reply_method_errorf(call, SD_BUS_ERROR_ACCESS_DENIED, "Only the owner of %s may call.",
+                                              address_.name.c_str());
+        }
+        const auto member = textOf(sd_bus_message_get_member(call));
+        const auto method = std::ranges::find(with_.exported.methods, member, &Method::name);
+        if (method == with_.exported.methods.end()) {
+            return sd_bus_reply_method_errorf(call, SD_BUS_ERROR_UNKNOWN_METHOD, "There is no method %s.",
+                                              member.c_str());
+        }
+        std::vector<Value> arguments;
+        for (const auto& [name, type] : method->parameters) {
+            auto value = read(call, type);
+            if (!value) {
+                return sd_bus_reply_method_errorf(call, SD_BUS_ERROR_INVALID_ARGS, "%s: argument %s does not decode.",
+                                                  member.c_str(), std::string(name).c_str());
+            }
+            arguments.push_back(*std::move(value));
+        }
+        if (sd_bus_message_at_end(call, 1) == 0) {
+            return sd_bus_reply_method_errorf(call, SD_BUS_ERROR_INVALID_ARGS,
+                                              "%s: argument number %zu does not decode.", member.c_str(),
+                                              arguments.size() + 1);
+        }
+        with_.handlers[static_cast<std::size_t>(method - with_.exported.methods.begin())](std::move(arguments));
+        return sd_bus_reply_method_return(call, "");
     }
 
     const ServiceAddress address_;
-    QDBusConnection bus_;
-    QString owner_;
-    bool valid_ = true;
-    std::map<QDBusPendingCallWatcher*, Pending> pending_;
+    const int wakeUp_ = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
+    std::mutex mutex_; ///< of `posted_`
+    std::vector<Work> posted_;
+
+    Configuration with_;
+    bool isResumed_ = false;
+    bool isRetired_ = false;
+    std::string owner_;
+    std::set<std::string> peers_; ///< who has owned the name while messages were on their way
+    std::map<std::uint64_t, Pending> pending_;
+    Handle<sd_bus> bus_;
 };
 
-Proxy::Proxy(std::shared_ptr<Channel> channel, std::optional<Interface> interface, ErrorHandler errorHandler)
-    : channel_(std::move(channel)), interface_(std::move(interface)), errorHandler_(std::move(errorHandler)) {}
-
 void Proxy::post(Method method, std::vector<Value> arguments, std::function<void(Value)> reply) const {
-    channel_->post([channel = channel_.get(), method = std::move(method), arguments = std::move(arguments),
-                    onError = errorHandler_,
-                    onReply = std::move(reply)] { channel->send(method, arguments, onError, onReply); });
+    channel_->post([channel = channel_.get(), interface = std::string(interface_ ? interface_->name : ""),
+                    method = std::move(method), arguments = std::move(arguments), onError = errorHandler_,
+                    onReply = std::move(reply)] { channel->send(interface, method, arguments, onError, onReply); });
 }
 
 std::shared_ptr<Connection> Connection::toService(const ServiceAddress& address) {
-    static std::atomic<unsigned> count = 0;
-    const auto name = QStringLiteral("quorvale-connection-%1").arg(++count);
-    const auto bus = QDBusConnection::connectToBus(systemBusAddress(), name);
-    if (!bus.isConnected()) {
-        QDBusConnection::disconnectFromBus(name);
-        return nullptr;
-    }
-    return std::make_shared<Connection>(Channel::create(address, bus));
-}
-
-Connection::Connection(std::shared_ptr<Channel> channel) : channel_(std::move(channel)) {}
-
-Connection::~Connection() = default;
-
-void Connection::setRemoteObjectInterface(Interface interface) {
-    channel_->post([channel = channel_.get(), name = interface.name] { channel->remoteName_ = name; });
-    remoteInterface_ = std::move(interface);
-}
-
-void Connection::exportMethods(Interface interface, std::vector<std::function<void(std::vector<Value>)>> handlers) {
-    channel_->post([channel = channel_.get(), interface = std::move(interface), handlers = std::move(handlers)] {
-        channel->exported_ = interface;
-        channel->incoming_ = handlers;
-    });
-}
-
-void Connection::setInvalidationHandler(std::function<void()> handler) {
-    channel_->post([channel = channel_.get(), handler = std::move(handler)] { channel->onInvalidation_ = handler; });
-}
-
-void Connection::setInterruptionHandler(std::function<void()> handler) {
-    channel_->post([channel = channel_.get(), handler = std::move(handler)] { channel->onInterruption_ = handler; });
+    auto channel = Channel::toService(address);
+    return channel ? std::make_shared<Connection>(std::move(channel)) : nullptr;
 }
 
 void Connection::resume() {
-    channel_->post([channel = channel_.get()] { channel->resume(); });
+    channel_->post([channel = channel_.get(), configuration = std::exchange(configuration_, {})]() mutable {
+        channel->resume(std::move(configuration));
+    });
 }
 
 void Connection::invalidate() {
     channel_->post([channel = channel_.get()] { channel->becomeInvalid(); });
 }
 
-Proxy Connection::remoteObjectProxyWithErrorHandler(ErrorHandler handler) const {
-    return {channel_, remoteInterface_, std::move(handler)};
-}
-
 } // namespace quorvale::platform::connection
-
-#include "Connection.moc"

@@ -20,7 +20,7 @@ struct Error {
     std::string name; ///< A D-Bus error name.
     std::string message;
 
-    [[nodiscard]] std::string localizedDescription() const;
+    [[nodiscard]] std::string localizedDescription() const { return name + ": " + message; }
 
     [[nodiscard]] std::string description() const { return localizedDescription(); }
 };
@@ -29,12 +29,23 @@ using ErrorHandler = std::function<void(const Error&)>;
 
 class Channel;
 
-/// Sends messages to the peer. The error handler runs for each message that can't be delivered, or whose reply does not
-/// come because the connection or the peer ended or does not decode: at most once a message, on the connection's queue,
-/// and then the message's reply does not run. There is no time limit on a reply.
+/// What a connection does with what reaches it.
+struct Configuration {
+    Interface exported;
+    /// One for each of its methods.
+    std::vector<std::function<void(std::vector<Value>)>> handlers;
+    std::function<void()> onInvalidation;
+    std::function<void()> onInterruption;
+};
+
+/// Sends messages to the peer. The error handler runs at most once a message, on the connection's queue: for a one-way
+/// message when the bus can't deliver it, or when the connection ends before that is known, and never for what becomes
+/// of the peer later; for one with a reply also when the peer or the connection ends before the reply comes, or when
+/// that does not decode, and then the reply does not run. There is no time limit on a reply.
 class Proxy {
 public:
-    Proxy(std::shared_ptr<Channel> channel, std::optional<Interface> interface, ErrorHandler errorHandler);
+    Proxy(std::shared_ptr<Channel> channel, std::optional<Interface> interface, ErrorHandler errorHandler)
+        : channel_(std::move(channel)), interface_(std::move(interface)), errorHandler_(std::move(errorHandler)) {}
 
     /// Whether the peer was declared to implement `interface`.
     [[nodiscard]] bool implements(const Interface& interface) const { return interface_ == interface; }
@@ -62,64 +73,65 @@ private:
 };
 
 /// A client's connection to a named service: a bus connection of its own, with a queue of its own (one thread) on which
-/// its handlers, replies and incoming calls run in order.
+/// its handlers, replies and incoming calls run in the order in which the bus sent them.
 ///
 /// The service is a name on the system bus (`DBUS_SYSTEM_BUS_ADDRESS` chooses another), which the bus's policy lets
 /// only the right process own. Incoming calls are taken from the name's owner alone; any other caller gets
 /// `org.freedesktop.DBus.Error.AccessDenied`, and arguments that do not decode get
 /// `org.freedesktop.DBus.Error.InvalidArgs` with the method's and the argument's name. A caller that asks for an answer
-/// to a one-way method gets an empty one, the bus's receipt.
+/// to a one-way method gets an empty one, the bus's receipt. Replies are taken from processes that have owned the name.
 ///
 /// Interruption: the name lost its owner; later messages reach the next owner. Invalidation: the connection is
 /// finished, because of `invalidate`, because the name has no owner and can't be activated, or because the bus went
-/// away.
+/// away or did not let the connection in within libsystemd's time limits, 90 seconds at most.
 ///
-/// Configure it before `resume`. Every operation may be called from any thread and returns without waiting for the bus,
-/// except for `toService`. Dropping the last reference, of its proxies too, ends the connection without the
+/// Configure it before `resume`, on one thread. No operation waits for the bus; those that are not configuration may be
+/// called from any thread. Dropping the last reference, of its proxies too, ends the connection without the
 /// invalidation handler; messages without an answer fail.
 class Connection {
 public:
-    /// A connection that is not started; none when the bus can't be reached.
+    /// A connection that is not started; none when the bus can't be reached at once.
     static std::shared_ptr<Connection> toService(const ServiceAddress& address);
 
-    explicit Connection(std::shared_ptr<Channel> channel);
-    ~Connection();
+    explicit Connection(std::shared_ptr<Channel> channel) : channel_(std::move(channel)) {}
+
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
 
     /// Declares what the peer implements.
-    void setRemoteObjectInterface(Interface interface);
+    void setRemoteObjectInterface(Interface interface) { remoteInterface_ = std::move(interface); }
 
     /// Declares what this side implements, and the object that gets the peer's calls. The connection keeps the object
     /// alive until it is invalidated.
     template <typename Object>
     void setExportedInterface(const ExportedInterface<Object>& interface, const std::shared_ptr<Object>& object) {
-        std::vector<std::function<void(std::vector<Value>)>> handlers;
+        configuration_.exported = interface.interface();
         for (const auto& handler : interface.handlers()) {
-            handlers.push_back(
+            configuration_.handlers.push_back(
                 [handler, object](std::vector<Value> arguments) { handler(*object, std::move(arguments)); });
         }
-        exportMethods(interface.interface(), std::move(handlers));
     }
 
     /// `handler` runs at most once.
-    void setInvalidationHandler(std::function<void()> handler);
-    void setInterruptionHandler(std::function<void()> handler);
+    void setInvalidationHandler(std::function<void()> handler) { configuration_.onInvalidation = std::move(handler); }
 
-    /// Starts the connection; nothing is sent or received before.
+    void setInterruptionHandler(std::function<void()> handler) { configuration_.onInterruption = std::move(handler); }
+
+    /// Starts the connection, once; nothing is sent or received before.
     void resume();
 
     /// Ends the connection: no call is taken any more, messages without an answer fail, then the invalidation handler
     /// runs.
     void invalidate();
 
-    [[nodiscard]] Proxy remoteObjectProxyWithErrorHandler(ErrorHandler handler) const;
+    [[nodiscard]] Proxy remoteObjectProxyWithErrorHandler(ErrorHandler handler) const {
+        return {channel_, remoteInterface_, std::move(handler)};
+    }
 
 private:
-    void exportMethods(Interface interface, std::vector<std::function<void(std::vector<Value>)>> handlers);
-
     std::shared_ptr<Channel> channel_;
     std::optional<Interface> remoteInterface_;
+    Configuration configuration_;
 };
 
 } // namespace quorvale::platform::connection

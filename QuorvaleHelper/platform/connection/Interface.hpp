@@ -2,31 +2,23 @@
 
 #include "platform/connection/Value.hpp"
 
+#include <algorithm>
 #include <array>
+#include <concepts>
 #include <functional>
 #include <string>
 #include <string_view>
-#include <tuple>
+#include <type_traits>
 #include <utility>
 
 namespace quorvale::platform::connection {
 
 /// The `Type` of a C++ type that `Value` can hold.
 template <typename Cpp>
-consteval Type typeOf() {
-    if constexpr (std::same_as<Cpp, std::string>) {
-        return Type::text;
-    } else if constexpr (std::same_as<Cpp, bool>) {
-        return Type::boolean;
-    } else if constexpr (std::same_as<Cpp, double>) {
-        return Type::number;
-    } else if constexpr (std::same_as<Cpp, Dictionary>) {
-        return Type::dictionary;
-    } else {
-        static_assert(std::same_as<Cpp, std::optional<std::string>>);
-        return Type::optionalText;
-    }
-}
+constexpr Type typeOf = []<typename... Alternatives>(const std::variant<Alternatives...>* /*value*/) {
+    constexpr std::array isIt{std::same_as<Cpp, Alternatives>...};
+    return static_cast<Type>(std::ranges::find(isIt, true) - isIt.begin());
+}(static_cast<const Value*>(nullptr));
 
 struct Parameter {
     std::string_view name;
@@ -42,13 +34,6 @@ struct Method {
     bool operator==(const Method&) const = default;
 };
 
-/// A method whose only answer is that it could not be delivered.
-template <typename... Arguments>
-struct OneWay {
-    std::string_view name;
-    std::array<std::string_view, sizeof...(Arguments)> parameterNames;
-};
-
 /// A method that is answered with one value.
 template <typename Reply, typename... Arguments>
 struct Request {
@@ -56,21 +41,19 @@ struct Request {
     std::array<std::string_view, sizeof...(Arguments)> parameterNames;
 };
 
+/// A method whose only answer is that it could not be delivered.
 template <typename... Arguments>
-std::vector<Parameter> parametersOf(const std::array<std::string_view, sizeof...(Arguments)>& names) {
-    return [&]<std::size_t... index>(std::index_sequence<index...>) {
-        return std::vector<Parameter>{{names[index], typeOf<Arguments>()}...};
-    }(std::index_sequence_for<Arguments...>{});
-}
-
-template <typename... Arguments>
-Method describe(const OneWay<Arguments...>& method) {
-    return {method.name, parametersOf<Arguments...>(method.parameterNames), std::nullopt};
-}
+using OneWay = Request<void, Arguments...>;
 
 template <typename Reply, typename... Arguments>
 Method describe(const Request<Reply, Arguments...>& method) {
-    return {method.name, parametersOf<Arguments...>(method.parameterNames), typeOf<Reply>()};
+    std::optional<Type> reply;
+    if constexpr (!std::is_void_v<Reply>) {
+        reply = typeOf<Reply>;
+    }
+    return [&]<std::size_t... index>(std::index_sequence<index...>) {
+        return Method{method.name, {{method.parameterNames[index], typeOf<Arguments>}...}, reply};
+    }(std::index_sequence_for<Arguments...>{});
 }
 
 /// The methods that one side of a connection implements. The names are literals.
