@@ -48,8 +48,8 @@ TEST_F(UpdaterNotificationTest, ActsOnEveryCombinationOfFlagsInOneOrder) {
 
         done_.clear();
         const auto before = static_cast<std::ptrdiff_t>(log_.lines().size());
-        handle(
-            {R"({"terminate":)" + text(2) + R"(,"running":)" + text(4) + R"(,"more":[1],"restart":)" + text(1) + "}"});
+        handle({R"({"terminate":)" + text(2) + R"(,"running":)" + text(4) + R"(,"more":[1e400],"restart":)" + text(1) +
+                "}"});
         const auto lines = log_.lines();
         EXPECT_EQ(done_, expectedActions) << flags;
         EXPECT_EQ(std::vector(lines.begin() + before, lines.end()), expectedLines) << flags;

@@ -34,7 +34,7 @@ void requestTermination(int /*signal*/) {
 void reportMessage(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message) {
     std::fprintf(stderr, "%s\n", qPrintable(message));
     if (type == QtFatalMsg) {
-        std::_Exit(EXIT_FAILURE);
+        std::quick_exit(EXIT_FAILURE);
     }
 }
 
@@ -99,7 +99,8 @@ public:
         if (auto* const told = std::exchange(delegate, nullptr)) {
             told->applicationWillTerminate();
         }
-        std::_Exit(status);
+        // Runs no destructors, but has the log written out.
+        std::quick_exit(status);
     }
 
     std::function<void()> onActivation;
@@ -151,6 +152,8 @@ private:
         for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
             std::signal(signal, requestTermination);
         }
+        // Where nobody reads standard error any more, what is written there is lost, and no more.
+        std::signal(SIGPIPE, SIG_IGN);
     }
 
     const QString identifier_;

@@ -38,7 +38,7 @@ public:
 
     /// The value as a signed 64-bit integer. A number with a fraction part or an exponent, which is read as a
     /// double, is taken when that double is whole and below 2^53 in magnitude (7.0, 7e0, -0.0), where doubles
-    /// still tell all whole numbers apart. Any other number is corrupted data.
+    /// still tell all whole numbers apart. Any other number, of whatever size, is corrupted data.
     [[nodiscard]] std::expected<std::int64_t, DecodingError> integer() const;
 
     /// Errors of the records' own, at this value's place.

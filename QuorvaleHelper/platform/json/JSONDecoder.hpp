@@ -11,9 +11,9 @@ namespace quorvale::platform::json {
 /// Turns JSON texts (RFC 8259) into records. Any thread; each thread keeps a parser of its own that costs no
 /// allocation from its second text of a size on, and gives back what a text above 64 KiB needed.
 ///
-/// Corrupted data is, besides what breaks the grammar: a byte order mark, invalid UTF-8, a value inside 1024 or more
-/// objects and arrays, and anywhere in the text a number beyond the range of doubles (1e400) or one written as an
-/// integer that fits neither 64-bit type.
+/// Corrupted data is, besides what breaks the grammar anywhere in the text: a byte order mark, invalid UTF-8, half a
+/// surrogate pair, and a value inside 1024 or more objects and arrays. Numbers may have any size and precision where
+/// nobody reads them; Decoder says which ones can be read.
 class JSONDecoder {
 public:
     template <typename Record>

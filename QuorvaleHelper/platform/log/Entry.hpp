@@ -23,6 +23,8 @@ struct Entry {
     const Identity& identity;
     /// The message with its arguments already substituted. It may hold what a peer sent, so any bytes at all.
     std::string_view composedMessage;
+    /// What the message was composed from: a literal, it lives as long as the process.
+    const char* format = "";
 };
 
 } // namespace quorvale::platform::log

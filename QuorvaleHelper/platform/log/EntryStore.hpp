@@ -3,6 +3,7 @@
 #include "platform/log/Entry.hpp"
 
 #include <cstddef>
+#include <cstdint>
 #include <deque>
 #include <functional>
 #include <memory>
@@ -22,7 +23,7 @@ class EntryStore {
 public:
     static constexpr std::size_t defaultBudget = std::size_t{64} << 20;
 
-    /// `budget` is in bytes and counts messages and bookkeeping.
+    /// `budget` is in bytes, less than 4 GiB, and counts messages and bookkeeping.
     explicit EntryStore(std::size_t budget = defaultBudget);
 
     /// The one stored copy of an identity; it lives as long as the store. Any thread.
@@ -36,17 +37,30 @@ public:
     /// What there is now. Any thread; holds writers up only while it counts the chunks.
     [[nodiscard]] Snapshot snapshot() const;
 
+    class Place;
+    struct Unread;
+
+    /// The entries from `place` on, as many as one chunk holds, and moves `place` behind them. Any thread, but one at a
+    /// time for each place. So that a reader who is slow keeps no more than a chunk from being dropped.
+    [[nodiscard]] Unread unread(Place& place) const;
+
+    /// How many entries have been added so far, dropped ones included. Any thread.
+    [[nodiscard]] std::uint64_t added() const;
+
 private:
     struct Chunk {
-        explicit Chunk(std::size_t capacity);
+        Chunk(std::size_t capacity, std::uint64_t first);
 
         std::unique_ptr<std::byte[]> bytes;
         std::size_t capacity;
+        /// How many entries were added before this chunk's.
+        std::uint64_t first;
         std::size_t used = 0;
         std::size_t count = 0;
     };
 
     std::byte* reserve(std::size_t size);
+    [[nodiscard]] std::uint64_t end() const;
 
     const std::size_t budget_;
     const std::size_t chunkSize_;
@@ -73,12 +87,33 @@ private:
 
     struct Seen {
         std::shared_ptr<const Chunk> chunk;
+        std::size_t from;
         std::size_t used;
     };
 
     std::vector<Seen> chunks_;
     std::size_t count_ = 0;
     std::size_t messageBytes_ = 0;
+};
+
+/// Where a reader is who goes through the entries while they are added; a new one is before the first entry.
+class EntryStore::Place {
+public:
+    /// How many entries lie before it.
+    [[nodiscard]] std::uint64_t passed() const { return passed_; }
+
+private:
+    friend EntryStore;
+
+    std::shared_ptr<const Chunk> chunk_;
+    std::size_t used_ = 0;
+    std::uint64_t passed_ = 0;
+};
+
+struct EntryStore::Unread {
+    /// How many entries the store dropped unread; they come before the others.
+    std::uint64_t lost = 0;
+    Snapshot entries;
 };
 
 } // namespace quorvale::platform::log

@@ -71,14 +71,15 @@ template <typename... Arguments>
 class FormatString {
 public:
     template <std::size_t size>
-    consteval FormatString(const char (&text)[size]) : text_(text, size - 1) { // NOLINT: implicit by design
+    consteval FormatString(const char (&literal)[size]) : text_(literal) { // NOLINT: implicit by design
+        const std::string_view text(literal, size - 1);
         constexpr std::array<std::size_t, sizeof...(Arguments)> given{argumentIndex<Arguments>()...};
         std::size_t count = 0;
-        for (std::size_t at = 0; at < text_.size(); ++at) {
-            if (text_[at] != '%') {
+        for (std::size_t at = 0; at < text.size(); ++at) {
+            if (text[at] != '%') {
                 continue;
             }
-            const auto* const placeholder = placeholderAt(text_.substr(at));
+            const auto* const placeholder = placeholderAt(text.substr(at));
             if (!placeholder) {
                 throw "unknown placeholder";
             }
@@ -91,10 +92,11 @@ public:
         }
     }
 
-    [[nodiscard]] constexpr std::string_view text() const { return text_; }
+    /// The literal that it was made of.
+    [[nodiscard]] constexpr const char* text() const { return text_; }
 
 private:
-    std::string_view text_;
+    const char* text_;
 };
 
 } // namespace quorvale::platform::log

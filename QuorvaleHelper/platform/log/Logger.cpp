@@ -37,10 +37,10 @@ void compose(std::string& text, std::string_view format, std::span<const Argumen
 Logger::Logger(std::string subsystem, std::string category, UnifiedLog& log)
     : log_(log), identity_(log.store().identity({std::move(subsystem), std::move(category)})) {}
 
-void Logger::write(Level level, std::string_view format, std::span<const Argument> arguments) const {
+void Logger::write(Level level, const char* format, std::span<const Argument> arguments) const {
     std::string text;
     compose(text, format, arguments);
-    log_.write({std::chrono::system_clock::now(), level, identity_, text}, format);
+    log_.write({std::chrono::system_clock::now(), level, identity_, text, format});
 }
 
 } // namespace quorvale::platform::log

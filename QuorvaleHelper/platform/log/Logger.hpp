@@ -28,7 +28,7 @@ public:
     }
 
 private:
-    void write(Level level, std::string_view format, std::span<const Argument> arguments) const;
+    void write(Level level, const char* format, std::span<const Argument> arguments) const;
 
     UnifiedLog& log_;
     const Identity& identity_;

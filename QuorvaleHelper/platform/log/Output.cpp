@@ -4,8 +4,11 @@
 #include <systemd/sd-journal.h>
 
 #include <array>
+#include <cerrno>
+#include <climits>
 #include <cstdio>
 #include <ctime>
+#include <poll.h>
 #include <string>
 #include <sys/uio.h>
 #include <syslog.h>
@@ -17,12 +20,12 @@ namespace {
 
 class JournalOutput final : public Output {
 public:
-    void write(const Entry& entry, std::string_view format) override {
+    void write(const Entry& entry) override {
         const std::array fields{
             std::string("PRIORITY=") + std::to_string(entry.level == Level::error ? LOG_ERR : LOG_INFO),
             "SUBSYSTEM=" + entry.identity.subsystem,
             "CATEGORY=" + entry.identity.category,
-            std::string("FORMAT=").append(format),
+            std::string("FORMAT=").append(entry.format),
             std::string("MESSAGE=").append(entry.composedMessage),
         };
         std::array<iovec, fields.size()> parts{};
@@ -66,19 +69,51 @@ class LineOutput final : public Output {
 public:
     explicit LineOutput(int fileDescriptor) : fileDescriptor_(fileDescriptor) {}
 
-    void write(const Entry& entry, std::string_view /*format*/) override {
-        std::string line;
-        appendTime(line, entry.date);
-        line += ' ' + entry.identity.subsystem + ' ' + entry.identity.category;
-        line += entry.level == Level::error ? " error " : " info ";
-        appendEscaped(line, entry.composedMessage);
-        line += '\n';
-        // One call a line, so that lines of several threads do not mix. A closed descriptor loses the line, as it must.
-        [[maybe_unused]] const auto written = ::write(fileDescriptor_, line.data(), line.size());
+    void write(const Entry& entry) override {
+        const auto before = lines_.size();
+        appendTime(lines_, entry.date);
+        lines_ += ' ';
+        lines_ += entry.identity.subsystem;
+        lines_ += ' ';
+        lines_ += entry.identity.category;
+        lines_ += entry.level == Level::error ? " error " : " info ";
+        appendEscaped(lines_, entry.composedMessage);
+        lines_ += '\n';
+        if (lines_.size() > PIPE_BUF) {
+            send(before);
+        }
+    }
+
+    void flush() override {
+        send(lines_.size());
+        lines_.shrink_to_fit();
     }
 
 private:
-    int fileDescriptor_;
+    /// Writes the first `count` bytes; what can't be written is lost.
+    void send(std::size_t count) {
+        std::size_t at = 0;
+        while (at < count) {
+            const auto written = ::write(fileDescriptor_, lines_.data() + at, count - at);
+            if (written > 0) {
+                at += static_cast<std::size_t>(written);
+            } else if (written < 0 && errno == EAGAIN) {
+                // Whoever shares the descriptor may have set it so.
+                pollfd writable{fileDescriptor_, POLLOUT, 0};
+                ::poll(&writable, 1, -1);
+            } else if (written == 0 || errno != EINTR) {
+                break;
+            }
+        }
+        const bool isCut = at > 0 && lines_[at - 1] != '\n';
+        lines_.erase(0, count);
+        if (isCut) {
+            lines_.insert(0, 1, '\n');
+        }
+    }
+
+    const int fileDescriptor_;
+    std::string lines_;
 };
 
 } // namespace

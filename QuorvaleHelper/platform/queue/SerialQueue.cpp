@@ -1,29 +1,42 @@
 #include "platform/queue/SerialQueue.hpp"
 
-#include <QThreadPool>
-
+#include <csignal>
 #include <deque>
 #include <mutex>
 #include <optional>
+#include <system_error>
+#include <thread>
 #include <utility>
 
 namespace quorvale::platform::queue {
 
 class SerialQueue::Line : public std::enable_shared_from_this<Line> {
 public:
-    void add(Work work) {
-        {
-            const std::scoped_lock lock(mutex_);
-            waiting_.push_back(std::move(work));
-            if (std::exchange(isRunning_, true)) {
-                return;
-            }
+    bool add(Work work) {
+        // The thread is started under the lock: nobody may count on one that can't be had.
+        const std::scoped_lock lock(mutex_);
+        if (!isRunning_ && !start()) {
+            return false;
         }
-        QThreadPool::globalInstance()->start([self = shared_from_this()] { self->run(); });
+        isRunning_ = true;
+        waiting_.push_back(std::move(work));
+        return true;
     }
 
 private:
+    bool start() {
+        try {
+            std::thread([self = shared_from_this()] { self->run(); }).detach();
+            return true;
+        } catch (const std::system_error&) {
+            return false;
+        }
+    }
+
     void run() {
+        sigset_t all;
+        sigfillset(&all);
+        pthread_sigmask(SIG_BLOCK, &all, nullptr);
         while (auto work = take()) {
             (*work)();
         }
@@ -49,8 +62,8 @@ SerialQueue::SerialQueue() : line_(std::make_shared<Line>()) {}
 
 SerialQueue::~SerialQueue() = default;
 
-void SerialQueue::async(Work work) {
-    line_->add(std::move(work));
+bool SerialQueue::async(Work work) {
+    return line_->add(std::move(work));
 }
 
 } // namespace quorvale::platform::queue

@@ -7,9 +7,9 @@ namespace quorvale::platform::queue {
 
 /// A queue whose work runs one piece at a time in the order of its queuing, apart from the main thread.
 ///
-/// It has no thread of its own: while it has work it uses one of the process-wide pool, which ends its idle threads
-/// after half a minute. All queued work runs, also when the queue ends before it; the end of the application waits for
-/// it. Work must not wait for that of another queue, which may need the same thread.
+/// It has a thread while it has work, and none at rest: starting one costs twice what waking up a waiting one does. The
+/// thread takes no signals, SIGPIPE included. All queued work runs, also when the queue ends before it; but the end of
+/// the process doesn't wait for it, so who needs its result by then waits for that.
 class SerialQueue {
 public:
     using Work = std::move_only_function<void()>;
@@ -19,8 +19,9 @@ public:
     SerialQueue(const SerialQueue&) = delete;
     SerialQueue& operator=(const SerialQueue&) = delete;
 
-    /// Queues `work` and returns without waiting for it. Any thread, also out of running work.
-    void async(Work work);
+    /// Queues `work` and returns without waiting for it. Any thread, also out of running work. False if the queue was
+    /// at rest and the system has no thread left; then nothing is queued.
+    [[nodiscard]] bool async(Work work);
 
 private:
     class Line;

@@ -1,13 +1,12 @@
 #include "platform/log/Logger.hpp"
 
-#include <QTemporaryFile>
+#include "platform/log/LogPipe.hpp"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <regex>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace quorvale::platform::log {
@@ -50,23 +49,18 @@ TEST(LoggerTest, ComposesEachPlaceholder) {
 }
 
 TEST(LoggerTest, WritesOneLineAnEntryWhateverTheTextHolds) {
-    QTemporaryFile file;
-    ASSERT_TRUE(file.open());
-    UnifiedLog log(lineOutput(file.handle()));
+    LogPipe pipe;
+    UnifiedLog log(lineOutput(pipe.writeEnd()));
     const Logger logger("x.y.helper", "default", log);
     logger.info("Started...");
     logger.error("%{public}s", std::string("two\nlines\tand \x1b[31mred\x7f ⚠️ ") + '\0');
+    logger.info("end");
 
-    std::ifstream written(file.fileName().toStdString());
-    std::string first;
-    std::string second;
-    std::string third;
-    std::getline(written, first);
-    std::getline(written, second);
+    const auto first = pipe.line();
     const std::string time = R"(\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{3}Z)";
     EXPECT_TRUE(std::regex_match(first, std::regex(time + R"( x\.y\.helper default info Started\.\.\.)"))) << first;
-    EXPECT_THAT(second, testing::EndsWith(R"( x.y.helper default error two\nlines\tand \x1b[31mred\x7f ⚠️ \x00)"));
-    EXPECT_FALSE(std::getline(written, third));
+    EXPECT_THAT(pipe.line(), testing::EndsWith(R"( x.y.helper default error two\nlines\tand \x1b[31mred\x7f ⚠️ \x00)"));
+    EXPECT_THAT(pipe.line(), testing::EndsWith(" x.y.helper default info end"));
 }
 
 } // namespace quorvale::platform::log

@@ -1,55 +1,22 @@
 #include "platform/queue/MainQueue.hpp"
-#include "platform/queue/SerialQueue.hpp"
+
+#include "platform/queue/WorkOfThreads.hpp"
 #include "support/waitUntil.hpp"
 
 #include <QCoreApplication>
 #include <gmock/gmock.h>
 
-#include <future>
 #include <memory>
-#include <set>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace quorvale::platform::queue {
 
 using namespace std::chrono_literals;
-using testing::Contains;
 using testing::Each;
 using testing::ElementsAre;
-using testing::Not;
 using tests::waitUntil;
-
-namespace {
-
-/// Work that four threads queue at the same time. No atomics: the queue is what keeps its pieces apart.
-struct WorkOfThreads {
-    static constexpr int perThread = 2000;
-
-    template <typename Queue>
-    explicit WorkOfThreads(Queue& queue) {
-        for (auto& expected : next) {
-            threads.emplace_back([this, &queue, &expected] {
-                for (int i = 0; i < perThread; ++i) {
-                    queue.async([this, &expected, i] {
-                        inOrder = inOrder && ++atWork == 1 && expected++ == i;
-                        ranOn.insert(std::this_thread::get_id());
-                        std::this_thread::yield();
-                        --atWork;
-                    });
-                }
-            });
-        }
-    }
-
-    std::vector<int> next = std::vector<int>(4);
-    bool inOrder = true;
-    int atWork = 0;
-    std::set<std::thread::id> ranOn;
-    std::vector<std::jthread> threads;
-};
-
-} // namespace
 
 class MainQueueTest : public testing::Test {
 protected:
@@ -102,7 +69,7 @@ TEST_F(MainQueueTest, RunsWorkOfRunningWorkInALaterTurn) {
 }
 
 TEST_F(MainQueueTest, RunsTheWorkOfEachThreadInItsOrderOnTheMainThread) {
-    const WorkOfThreads work(queue_);
+    const WorkOfThreads work([this](MainQueue::Work piece) { queue_.async(std::move(piece)); });
     EXPECT_TRUE(waitUntil([&work] { return work.next == std::vector(4, WorkOfThreads::perThread); }));
     EXPECT_TRUE(work.inOrder);
     EXPECT_THAT(work.ranOn, ElementsAre(std::this_thread::get_id()));
@@ -118,40 +85,6 @@ TEST_F(MainQueueTest, DropsUnrunWorkWithTheQueue) {
     ASSERT_TRUE(waitForRuns(1));
     EXPECT_EQ(*resource, 0);
     EXPECT_EQ(resource.use_count(), 1);
-}
-
-TEST(SerialQueueTest, RunsTheWorkOfEachThreadInItsOrderOnePieceAtATime) {
-    SerialQueue queue;
-    WorkOfThreads work(queue);
-    work.threads.clear();
-    std::promise<void> done;
-    queue.async([&done] { done.set_value(); });
-    done.get_future().wait();
-    EXPECT_THAT(work.next, Each(WorkOfThreads::perThread));
-    EXPECT_TRUE(work.inOrder);
-    EXPECT_THAT(work.ranOn, Not(Contains(std::this_thread::get_id())));
-}
-
-TEST(SerialQueueTest, RunsAllWorkWhenItEndsBeforeItAlsoByItsOwnWork) {
-    std::vector<int> ran;
-    std::promise<void> released;
-    std::promise<void> done;
-    auto queue = std::make_shared<SerialQueue>();
-    queue->async([&, queue]() mutable {
-        released.get_future().wait();
-        ran.push_back(1);
-        // Behind all that waits already.
-        queue->async([&] {
-            ran.push_back(3);
-            done.set_value();
-        });
-        queue.reset();
-    });
-    queue->async([&ran] { ran.push_back(2); });
-    queue.reset();
-    released.set_value();
-    done.get_future().wait();
-    EXPECT_THAT(ran, ElementsAre(1, 2, 3));
 }
 
 } // namespace quorvale::platform::queue
