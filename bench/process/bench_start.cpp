@@ -13,7 +13,7 @@ namespace quorvale::bench {
 
 namespace {
 
-constexpr std::size_t turns = 15;
+constexpr std::size_t turns = 41;
 
 /// A tray without a panel, which status icons register with.
 class Watcher {
