@@ -77,6 +77,9 @@ void QuorvaleHelperApp::main(int argc, char** argv) {
         break;
     case Instance::anotherRuns:
         application.terminate();
+    case Instance::anotherHangs:
+        logger().error("Failed to start: the helper that already runs does not answer");
+        application.terminate(EXIT_FAILURE);
     case Instance::noSessionBus:
         logger().error("Failed to start: there is no session bus");
         application.terminate(EXIT_FAILURE);
@@ -96,10 +99,7 @@ QuorvaleHelperApp::QuorvaleHelperApp(Application& application)
       application_(application),
       colorScheme_(QDBusConnection::sessionBus()) {
     application_.setDelegate(appDelegate_);
-    application_.setSessionBusLossHandler([&application] {
-        logger().error("The session bus went away");
-        application.terminate(EXIT_FAILURE);
-    });
+    application_.setFailureHandler([](const std::string& why) { logger().error("%{public}s", why); });
     startUp([&application] { application.terminate(); });
 }
 
@@ -143,7 +143,7 @@ void QuorvaleHelperApp::showMenuBarExtra() {
         extra.setStatusText(ProtectedLook::of(statusManager.status()).text);
     };
     showStatus();
-    statusTextUpdates_ = statusManager.objectWillChange([&mainQueue, showStatus] { mainQueue.async(showStatus); });
+    statusTextUpdates_ = statusManager.objectDidChange(mainQueue, showStatus);
     application_.setActivationHandler([&extra] { extra.show(); });
 }
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <fstream>
 
 namespace quorvale::tests {
@@ -23,6 +24,10 @@ PrivateBus::PrivateBus(const std::string& unownableName) {
 
 std::string PrivateBus::address() const {
     return "unix:path=" + path("bus");
+}
+
+void PrivateBus::freeze() const {
+    daemon_->signal(SIGSTOP);
 }
 
 void PrivateBus::stop() {

@@ -20,6 +20,9 @@ public:
     /// for the life of this object.
     [[nodiscard]] std::string address() const;
 
+    /// Has the daemon do nothing from now on; its clients' connections stay.
+    void freeze() const;
+
     /// Ends the daemon, whose clients lose their connections.
     void stop();
 

@@ -83,6 +83,10 @@ void Process::terminate() {
     process_.terminate();
 }
 
+void Process::signal(int number) const {
+    EXPECT_EQ(::kill(static_cast<pid_t>(process_.processId()), number), 0);
+}
+
 void Process::kill() {
     if (process_.state() == QProcess::NotRunning) {
         return;

@@ -66,6 +66,8 @@ public:
 
     /// Asks the child to end (SIGTERM).
     void terminate();
+    /// Sends it that signal.
+    void signal(int number) const;
     /// Ends the child (SIGKILL) and returns when it is gone.
     void kill();
     /// No value if the child still runs after `deadline`.

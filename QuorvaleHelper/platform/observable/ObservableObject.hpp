@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/queue/MainQueue.hpp"
+
 #include <functional>
 #include <memory>
 #include <utility>
@@ -37,6 +39,11 @@ public:
     /// the subscription lives, in the order of the subscriptions. An observer may drop any subscription, which
     /// ends it at once, and may make new ones, which are first called for the next change.
     Subscription objectWillChange(Observer observer);
+
+    /// Calls `observer` on `mainQueue`, when there is a new value to show, as long as the subscription lives. Changes
+    /// that come faster than a display shows them are one call, after the last of them. `mainQueue` outlives the
+    /// object.
+    Subscription objectDidChange(queue::MainQueue& mainQueue, Observer observer);
 
 protected:
     ~ObservableObject() = default;

@@ -21,6 +21,9 @@ struct Item {
     MainQueue::Work work;
 };
 
+/// How long work that is due may keep the event loop from its other sources: timers, sockets, the display.
+constexpr std::chrono::milliseconds longestTurn{5};
+
 /// Heap order: the item that runs next is at the front.
 bool runsLater(const Item& left, const Item& right) {
     return std::pair(left.deadline, left.sequence) > std::pair(right.deadline, right.sequence);
@@ -44,7 +47,7 @@ public:
             wake = !std::exchange(wakePosted_, true);
         }
         if (wake) {
-            QCoreApplication::postEvent(this, new QEvent(QEvent::User));
+            post();
         }
     }
 
@@ -65,10 +68,14 @@ private:
             wakePosted_ = false;
             limit = next_;
         }
+        const auto end = Clock::now() + longestTurn;
         while (auto work = takeDue(limit)) {
             work();
+            if (Clock::now() >= end) {
+                break;
+            }
         }
-        rearm();
+        proceed();
     }
 
     Work takeDue(std::uint64_t limit) {
@@ -82,17 +89,26 @@ private:
         return work;
     }
 
-    void rearm() {
+    /// Another turn at once if work is due, else when it will be. Posted, since a timer of no time is served last by
+    /// some event loops.
+    void proceed() {
         using namespace std::chrono;
         timer_.stop();
         const std::scoped_lock lock(mutex_);
-        if (items_.empty()) {
+        if (items_.empty() || wakePosted_) {
             return;
         }
         const auto left = ceil<milliseconds>(items_.front().deadline - Clock::now());
-        const auto delay = std::clamp<milliseconds::rep>(left.count(), 0, std::numeric_limits<int>::max());
+        if (left <= 0ms) {
+            wakePosted_ = true;
+            post();
+            return;
+        }
+        const auto delay = std::min<milliseconds::rep>(left.count(), std::numeric_limits<int>::max());
         timer_.start(static_cast<int>(delay), Qt::PreciseTimer, this);
     }
+
+    void post() { QCoreApplication::postEvent(this, new QEvent(QEvent::User)); }
 
     std::mutex mutex_;
     std::vector<Item> items_;

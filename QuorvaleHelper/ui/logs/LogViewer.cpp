@@ -50,14 +50,7 @@ LogViewer::LogViewer(LogStore& logs, platform::queue::MainQueue& mainQueue, std:
     column->addLayout(row);
     setMinimumSize(minimum);
 
-    entriesWillChange_ = logs.objectWillChange([this, self = QPointer(this)] {
-        // The new lines are there when this turn of the main queue is over.
-        mainQueue_.async([this, self] {
-            if (self) {
-                entryView_->setItems(joined(logs_));
-            }
-        });
-    });
+    entriesChanges_ = logs.objectDidChange(mainQueue_, [this] { entryView_->setItems(joined(logs_)); });
 }
 
 void LogViewer::showEvent(QShowEvent* event) {

@@ -1,7 +1,10 @@
 #include "platform/observable/ObservableObject.hpp"
 
+#include "support/waitUntil.hpp"
+
 #include <gmock/gmock.h>
 
+#include <chrono>
 #include <optional>
 #include <string>
 #include <utility>
@@ -67,6 +70,26 @@ TEST(ObservableObjectTest, LetsObserversDropAndMakeRegistrations) {
     EXPECT_EQ(calls, "1");
     model.value.set(2);
     EXPECT_EQ(calls, "13");
+}
+
+TEST(ObservableObjectTest, ShowsManyChangesOnceWhenTheyAreMade) {
+    queue::MainQueue mainQueue;
+    Model model;
+    std::vector<int> shown;
+    auto subscription = model.objectDidChange(mainQueue, [&] { shown.push_back(model.value.get()); });
+    for (const int last : {999, 1999}) {
+        for (int value = last - 999; value <= last; ++value) {
+            model.value.set(value);
+        }
+        ASSERT_TRUE(tests::waitUntil([&] { return !shown.empty() && shown.back() == last; }));
+    }
+    EXPECT_THAT(shown, ElementsAre(999, 1999));
+    model.value.set(0);
+    bool done = false;
+    mainQueue.asyncAfter(queue::MainQueue::Clock::now() + std::chrono::milliseconds(50), [&] { done = true; });
+    subscription = {};
+    ASSERT_TRUE(tests::waitUntil([&] { return done; }));
+    EXPECT_EQ(shown.size(), 2U);
 }
 
 } // namespace quorvale::platform::observable
