@@ -133,13 +133,14 @@ void QuorvaleHelperApp::showMenuBarExtra() {
     auto& extra = *menuBarExtra_;
     QObject::connect(&extra, &MenuBarExtra::failed,
                      [](const QString& what) { logger().error("%{public}s", what.toStdString()); });
-    extra.setContent(
-        std::make_unique<ui::menu::WindowBarStyle>(statusManager, mainQueue, iconSize,
-                                                   ui::menu::WindowBarStyle::Actions{
-                                                       .dismiss = [&extra] { extra.dismiss(); },
-                                                       .openMainApplication = [] { openMainApplication(); },
-                                                       .quitApplication = [this] { application_.terminate(); },
-                                                   }));
+    extra.setContent([this, &extra, &statusManager, &mainQueue] {
+        return std::make_unique<ui::menu::WindowBarStyle>(statusManager, mainQueue, iconSize,
+                                                          ui::menu::WindowBarStyle::Actions{
+                                                              .dismiss = [&extra] { extra.dismiss(); },
+                                                              .openMainApplication = [] { openMainApplication(); },
+                                                              .quitApplication = [this] { application_.terminate(); },
+                                                          });
+    });
     const auto showStatus = [&extra, &statusManager] {
         extra.setStatusText(ProtectedLook::of(statusManager.status()).text);
     };

@@ -24,6 +24,10 @@ struct Item {
 /// How long work that is due may keep the event loop from its other sources: timers, sockets, the display.
 constexpr std::chrono::milliseconds longestTurn{5};
 
+/// How long after work more of it waits for a turn that comes by itself. To wake the loop for each of a flood's items
+/// would cost several times what the items do.
+constexpr std::chrono::milliseconds lull{1};
+
 /// Heap order: the item that runs next is at the front.
 bool runsLater(const Item& left, const Item& right) {
     return std::pair(left.deadline, left.sequence) > std::pair(right.deadline, right.sequence);
@@ -44,7 +48,7 @@ public:
             const std::scoped_lock lock(mutex_);
             items_.push_back({deadline, next_++, std::move(work)});
             std::ranges::push_heap(items_, runsLater);
-            wake = !std::exchange(wakePosted_, true);
+            wake = !std::exchange(isTurnToCome_, true);
         }
         if (wake) {
             post();
@@ -65,17 +69,19 @@ private:
         std::uint64_t limit = 0;
         {
             const std::scoped_lock lock(mutex_);
-            wakePosted_ = false;
+            isTurnToCome_ = false;
             limit = next_;
         }
         const auto end = Clock::now() + longestTurn;
+        bool hasWorked = false;
         while (auto work = takeDue(limit)) {
             work();
+            hasWorked = true;
             if (Clock::now() >= end) {
                 break;
             }
         }
-        proceed();
+        proceed(hasWorked);
     }
 
     Work takeDue(std::uint64_t limit) {
@@ -89,22 +95,23 @@ private:
         return work;
     }
 
-    /// Another turn at once if work is due, else when it will be. Posted, since a timer of no time is served last by
-    /// some event loops.
-    void proceed() {
+    /// Another turn at once if work is due, else after the lull if there was work, else when some will be due. Posted,
+    /// since a timer of no time is served last by some event loops.
+    void proceed(bool hasWorked) {
         using namespace std::chrono;
         timer_.stop();
         const std::scoped_lock lock(mutex_);
-        if (items_.empty() || wakePosted_) {
+        if (isTurnToCome_ || (items_.empty() && !hasWorked)) {
             return;
         }
-        const auto left = ceil<milliseconds>(items_.front().deadline - Clock::now());
+        const auto left = items_.empty() ? lull : ceil<milliseconds>(items_.front().deadline - Clock::now());
+        isTurnToCome_ = hasWorked || left <= 0ms;
         if (left <= 0ms) {
-            wakePosted_ = true;
             post();
             return;
         }
-        const auto delay = std::min<milliseconds::rep>(left.count(), std::numeric_limits<int>::max());
+        const auto delay = std::min<milliseconds::rep>((hasWorked ? std::min(left, lull) : left).count(),
+                                                       std::numeric_limits<int>::max());
         timer_.start(static_cast<int>(delay), Qt::PreciseTimer, this);
     }
 
@@ -113,7 +120,7 @@ private:
     std::mutex mutex_;
     std::vector<Item> items_;
     std::uint64_t next_ = 0;
-    bool wakePosted_ = false;
+    bool isTurnToCome_ = false;
     QBasicTimer timer_;
 };
 
