@@ -2,6 +2,7 @@
 
 #include "platform/desktop/ActivationToken.hpp"
 #include "platform/log/Logger.hpp"
+#include "platform/log/UnifiedLog.hpp"
 
 #include <QApplication>
 #include <QDBusConnection>
@@ -87,18 +88,20 @@ void requestTermination(int /*signal*/) {
 /// Takes what the toolkit has to say, which is the last that is heard of it when the display ends: on X11 it then
 /// calls `exit`, on Wayland `_exit`. To watch the connection ourselves would be a race with it.
 void reportMessage(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message) {
-    if (const auto* const logger = door().toolkitLogger.load()) {
-        logger->info("%{public}s", message.toStdString());
-    } else {
+    const auto begins = [&](const char* text) { return message.startsWith(QLatin1String(text)); };
+    const bool isFatal = type == QtFatalMsg || begins("The Wayland connection experienced a fatal error");
+    const auto* const logger = door().toolkitLogger.load();
+    if (!logger) {
         // Whoever starts the program reads this; later a reader who stops must not stop us.
         std::fprintf(stderr, "%s\n", qPrintable(message));
+    } else if (!isFatal) {
+        const auto text = message.toStdString();
+        type == QtCriticalMsg ? logger->error("%{public}s", text) : logger->info("%{public}s", text);
     }
-    for (const auto* const end : {"The X11 connection broke", "The Wayland connection broke"}) {
-        if (message.startsWith(QLatin1String(end))) {
-            door().leave(EXIT_SUCCESS);
-        }
+    if (begins("The X11 connection broke") || begins("The Wayland connection broke")) {
+        door().leave(EXIT_SUCCESS);
     }
-    if (type == QtFatalMsg || message.startsWith(QLatin1String("The Wayland connection experienced a fatal error"))) {
+    if (isFatal) {
         // The toolkit would abort; a core dump would tell nobody anything.
         door().leaveFailing("The toolkit failed: " + message.toStdString());
     }
