@@ -160,6 +160,27 @@ TEST_F(ConnectionTest, FailsAOneWayMessageThatWasNotDeliveredOrIsNotKnownToBe) {
     EXPECT_THAT(events_->all(), ElementsAre(testing::_, testing::_, disconnected, invalidated));
 }
 
+TEST_F(ConnectionTest, FailsAOneWayMessageThatTheBusKeptForAServiceThatDoesNotStart) {
+    connection_ = Connection::toService({tests::PrivateBus::unstartableName, "/service", "/client"});
+    connection_->setRemoteObjectInterface({serviceName, {describe(tell)}});
+    connection_->setInvalidationHandler([events = events_] { events->add(invalidated); });
+    connection_->resume();
+    service().send(tell);
+    ASSERT_TRUE(blockUntil([&] { return events_->all().size() == 3; }));
+    EXPECT_THAT(events_->all(), ElementsAre(disconnected, testing::StartsWith("failed: "), invalidated));
+}
+
+TEST_F(ConnectionTest, TakesTheCallsThatTheBusHadPassedOnBeforeItEnded) {
+    callClient("hold", [](std::string_view) {});
+    ASSERT_TRUE(blockUntil([&] { return client_->held.load(); }));
+    callClient("push", [](std::string_view) {});
+    bus_.stop();
+    client_->release();
+    ASSERT_TRUE(blockUntil([&] { return events_->all().size() == 2; }));
+    EXPECT_TRUE(client_->pushed);
+    EXPECT_THAT(events_->all(), ElementsAre(disconnected, invalidated));
+}
+
 TEST_F(ConnectionTest, EndsItsThreadWhenTheLastReferenceGoes) {
     const auto threads = [] { return std::ranges::distance(std::filesystem::directory_iterator("/proc/self/task")); };
     const auto atFirst = threads();
