@@ -6,6 +6,7 @@
 #include "app/StartUp.hpp"
 #include "platform/bundle/Bundle.hpp"
 #include "platform/log/UnifiedLog.hpp"
+#include "platform/observable/objectDidChange.hpp"
 #include "ui/common/localized.hpp"
 #include "ui/logs/LogViewer.hpp"
 #include "ui/logs/UnifiedLogReader.hpp"
@@ -31,6 +32,7 @@ using platform::bundle::Bundle;
 using platform::desktop::MenuBarExtra;
 using platform::desktop::MenuBarIcon;
 using platform::desktop::WindowScene;
+using platform::observable::objectDidChange;
 using platform::queue::MainQueue;
 using ui::logs::LogStore;
 using ui::menu::ProtectedLook;
@@ -77,6 +79,9 @@ void QuorvaleHelperApp::main(int argc, char** argv) {
         break;
     case Instance::anotherRuns:
         application.terminate();
+    case Instance::anotherHangs:
+        logger().error("Failed to start: the helper that already runs does not answer");
+        application.terminate(EXIT_FAILURE);
     case Instance::noSessionBus:
         logger().error("Failed to start: there is no session bus");
         application.terminate(EXIT_FAILURE);
@@ -96,10 +101,7 @@ QuorvaleHelperApp::QuorvaleHelperApp(Application& application)
       application_(application),
       colorScheme_(QDBusConnection::sessionBus()) {
     application_.setDelegate(appDelegate_);
-    application_.setSessionBusLossHandler([&application] {
-        logger().error("The session bus went away");
-        application.terminate(EXIT_FAILURE);
-    });
+    application_.setFailureHandler([](const std::string& why) { logger().error("%{public}s", why); });
     startUp([&application] { application.terminate(); });
 }
 
@@ -131,18 +133,19 @@ void QuorvaleHelperApp::showMenuBarExtra() {
     auto& extra = *menuBarExtra_;
     QObject::connect(&extra, &MenuBarExtra::failed,
                      [](const QString& what) { logger().error("%{public}s", what.toStdString()); });
-    extra.setContent(
-        std::make_unique<ui::menu::WindowBarStyle>(statusManager, mainQueue, iconSize,
-                                                   ui::menu::WindowBarStyle::Actions{
-                                                       .dismiss = [&extra] { extra.dismiss(); },
-                                                       .openMainApplication = [] { openMainApplication(); },
-                                                       .quitApplication = [this] { application_.terminate(); },
-                                                   }));
+    extra.setContent([this, &extra, &statusManager, &mainQueue] {
+        return std::make_unique<ui::menu::WindowBarStyle>(statusManager, mainQueue, iconSize,
+                                                          ui::menu::WindowBarStyle::Actions{
+                                                              .dismiss = [&extra] { extra.dismiss(); },
+                                                              .openMainApplication = [] { openMainApplication(); },
+                                                              .quitApplication = [this] { application_.terminate(); },
+                                                          });
+    });
     const auto showStatus = [&extra, &statusManager] {
         extra.setStatusText(ProtectedLook::of(statusManager.status()).text);
     };
     showStatus();
-    statusTextUpdates_ = statusManager.objectWillChange([&mainQueue, showStatus] { mainQueue.async(showStatus); });
+    statusTextUpdates_ = objectDidChange(statusManager, mainQueue, showStatus);
     application_.setActivationHandler([&extra] { extra.show(); });
 }
 

@@ -8,12 +8,18 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <csignal>
 #include <cstdlib>
+#include <optional>
+#include <string>
+#include <vector>
 
 namespace quorvale::app {
 
 namespace {
 
+using testing::_;
 using testing::ElementsAre;
 using testing::StartsWith;
 using tests::HelperProcess;
@@ -88,6 +94,50 @@ TEST_F(QuorvaleHelperAppTest, EndsWithAnErrorWhenTheSessionBusGoesAway) {
     EXPECT_THAT(busless.log(), ElementsAre("error Failed to start: there is no session bus"));
 }
 
+TEST_F(QuorvaleHelperAppTest, EndsOnceWithWhateverSignal) {
+    for (const auto& signals : {std::vector{SIGINT}, {SIGHUP}, {SIGTERM, SIGTERM, SIGHUP}}) {
+        HelperProcess helper(systemBus_, sessionBus_);
+        ASSERT_TRUE(helper.logs("info Quorvale Helper launched"));
+        std::ranges::for_each(signals, [&](int number) { helper.process().signal(number); });
+        EXPECT_EQ(helper.process().waitForExit(), (Process::Exit{.code = EXIT_SUCCESS}));
+        EXPECT_THAT(helper.log(), ElementsAre(_, _, _, "info Quorvale Helper terminated"));
+    }
+    HelperProcess helper(systemBus_, sessionBus_);
+    ASSERT_TRUE(helper.logs("info Quorvale Helper launched"));
+    sessionBus_.stall();
+    helper.process().terminate();
+    EXPECT_EQ(helper.process().waitForExit(), (Process::Exit{.code = EXIT_SUCCESS})) << "with a bus that hangs";
+    EXPECT_THAT(helper.log(), ElementsAre(_, _, _, "info Quorvale Helper terminated"));
+}
+
+TEST_F(QuorvaleHelperAppTest, ServesWhatIsDueBetweenTwoNotifications) {
+    const tests::AgentProcess agent(systemBus_, {"--state", R"({"active":true})"});
+    const auto updater =
+        QDBusConnection::connectToBus(QString::fromStdString(sessionBus_.address()), QStringLiteral("updater"));
+    auto notification = QDBusMessage::createSignal(
+        QStringLiteral("/"), QStringLiteral("com.quorvale.DistributedNotification"), QStringLiteral("QuorvaleHelper"));
+    notification << QStringLiteral(R"({"running":false,"restart":true,"terminate":false})");
+    constexpr auto restarts = 10;
+    // With the event loop of GLib and that of Qt.
+    for (const auto& withoutGlib : {std::optional<std::string>(), std::optional<std::string>("1")}) {
+        HelperProcess helper({{"DBUS_SYSTEM_BUS_ADDRESS", systemBus_.address()},
+                              {"DBUS_SESSION_BUS_ADDRESS", sessionBus_.address()},
+                              {"QT_QPA_PLATFORM", "offscreen"},
+                              {"QT_NO_GLIB", withoutGlib}});
+        ASSERT_TRUE(helper.logs("info Quorvale Helper launched"));
+        for (int restart = 0; restart < restarts; ++restart) {
+            EXPECT_TRUE(updater.send(notification));
+        }
+        ASSERT_TRUE(helper.logs("info Initial State Changed: true")) << "a request that was due meanwhile";
+        helper.process().terminate();
+        EXPECT_EQ(helper.process().waitForExit(), (Process::Exit{.code = EXIT_SUCCESS}));
+        const auto lines = helper.log();
+        EXPECT_LT(std::ranges::count(lines, "info Helper XPC: Attempting to connect to agent"), restarts);
+        EXPECT_EQ(std::ranges::count(lines, "info Quorvale Helper terminated"), 1);
+    }
+    QDBusConnection::disconnectFromBus(QStringLiteral("updater"));
+}
+
 TEST_F(QuorvaleHelperAppTest, RunsOnceInASession) {
     HelperProcess helper(systemBus_, sessionBus_);
     ASSERT_TRUE(helper.logs("info Quorvale Helper launched"));
@@ -95,6 +145,11 @@ TEST_F(QuorvaleHelperAppTest, RunsOnceInASession) {
     EXPECT_EQ(second.process().waitForExit(), (Process::Exit{.code = EXIT_SUCCESS}));
     EXPECT_THAT(second.log(), testing::IsEmpty());
     EXPECT_TRUE(helper.process().running());
+
+    helper.process().signal(SIGSTOP);
+    HelperProcess third(systemBus_, sessionBus_);
+    EXPECT_EQ(third.process().waitForExit(), (Process::Exit{.code = EXIT_FAILURE}));
+    EXPECT_THAT(third.log(), ElementsAre("error Failed to start: the helper that already runs does not answer"));
 }
 
 TEST_F(QuorvaleHelperAppTest, RefusesAnActionThatItDoesNotHave) {

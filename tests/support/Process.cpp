@@ -5,9 +5,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <csignal>
+#include <fcntl.h>
 #include <iterator>
 #include <sys/prctl.h>
+#include <unistd.h>
 
 namespace quorvale::tests {
 
@@ -31,7 +34,18 @@ Process::Process(const Launch& launch) {
     process_.setProcessEnvironment(environmentOf(launch));
     process_.setProcessChannelMode(launch.errorOutput == ErrorOutput::Merged ? QProcess::MergedChannels
                                                                              : QProcess::ForwardedErrorChannel);
-    process_.setChildProcessModifier([] { prctl(PR_SET_PDEATHSIG, SIGKILL); });
+    std::array<int, 2> pipe{-1, -1};
+    if (launch.errorOutput == ErrorOutput::Unread) {
+        EXPECT_EQ(pipe2(pipe.data(), O_CLOEXEC), 0);
+        fcntl(pipe[0], F_SETPIPE_SZ, 4096);
+        unread_ = pipe[0];
+    }
+    process_.setChildProcessModifier([input = pipe[1]] {
+        prctl(PR_SET_PDEATHSIG, SIGKILL);
+        if (input >= 0) {
+            dup2(input, STDERR_FILENO);
+        }
+    });
     QObject::connect(&process_, &QProcess::readyRead, [this] { readLines(); });
 
     QStringList arguments;
@@ -41,11 +55,17 @@ Process::Process(const Launch& launch) {
     if (!process_.waitForStarted(-1)) {
         ADD_FAILURE() << launch.program << " doesn't start: " << process_.errorString().toStdString();
     }
+    if (pipe[1] >= 0) {
+        close(pipe[1]);
+    }
 }
 
 Process::~Process() {
     process_.disconnect();
     kill();
+    if (unread_ >= 0) {
+        close(unread_);
+    }
 }
 
 void Process::send(std::string_view line) {
@@ -81,6 +101,10 @@ std::optional<std::string> Process::waitForLine(std::string_view text, std::chro
 
 void Process::terminate() {
     process_.terminate();
+}
+
+void Process::signal(int number) const {
+    EXPECT_EQ(::kill(static_cast<pid_t>(process_.processId()), number), 0);
 }
 
 void Process::kill() {

@@ -11,6 +11,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <sys/types.h>
 #include <vector>
 
 namespace quorvale::tests {
@@ -24,6 +25,8 @@ public:
         Forwarded,
         /// Its lines are among those of the standard output.
         Merged,
+        /// Goes into a small pipe that nobody reads.
+        Unread,
     };
 
     struct Launch {
@@ -64,8 +67,12 @@ public:
 
     [[nodiscard]] bool running() const { return process_.state() == QProcess::Running; }
 
+    [[nodiscard]] pid_t id() const { return static_cast<pid_t>(process_.processId()); }
+
     /// Asks the child to end (SIGTERM).
     void terminate();
+    /// Sends it that signal.
+    void signal(int number) const;
     /// Ends the child (SIGKILL) and returns when it is gone.
     void kill();
     /// No value if the child still runs after `deadline`.
@@ -75,6 +82,7 @@ private:
     void readLines();
     [[nodiscard]] std::string transcript() const;
 
+    int unread_ = -1;
     QProcess process_;
     std::string partial_;
     std::vector<std::string> lines_;

@@ -24,6 +24,18 @@ QDBusConnection connectToSystemBus(const char* name) {
     return QDBusConnection::connectToBus(QDBusConnection::SystemBus, QString::fromLatin1(name));
 }
 
+ClientCall statusPush(bool value) {
+    return {.method = QStringLiteral("updateProtectionStatus"), .arguments = {value}, .target = {}};
+}
+
+QDBusMessage messageTo(const QString& client, const ClientCall& call) {
+    auto message = QDBusMessage::createMethodCall(client, QString::fromLatin1(clientPath),
+                                                  QString::fromLatin1(clientInterface), call.method);
+    message.setArguments(call.arguments);
+    message.setAutoStartService(false);
+    return message;
+}
+
 } // namespace
 
 Agent::Agent(EventWriter& events, StateReply reply)
@@ -83,19 +95,20 @@ void Agent::answerHeld() {
 }
 
 std::expected<void, QString> Agent::push(Sender sender, const ClientCall& call) {
-    const auto target = call.target.isEmpty() && !clients_.isEmpty() ? clients_.last() : call.target;
-    if (target.isEmpty()) {
-        return std::unexpected(QStringLiteral("no client is registered, and no @NAME is given"));
+    const auto target = receiver(call.target);
+    if (!target) {
+        return std::unexpected(target.error());
     }
+    send(sender, *target, call);
+    return {};
+}
+
+void Agent::send(Sender sender, const QString& client, const ClientCall& call) {
     if (sender == Sender::Impostor && !impostor_.isConnected()) {
         impostor_ = connectToSystemBus(impostorConnection);
     }
-    auto message = QDBusMessage::createMethodCall(target, QString::fromLatin1(clientPath),
-                                                  QString::fromLatin1(clientInterface), call.method);
-    message.setArguments(call.arguments);
-    message.setAutoStartService(false);
     const auto& bus = sender == Sender::Impostor ? impostor_ : bus_;
-    auto* const answer = new QDBusPendingCallWatcher(bus.asyncCall(message), this);
+    auto* const answer = new QDBusPendingCallWatcher(bus.asyncCall(messageTo(client, call)), this);
     QObject::connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer, sender, method = call.method] {
         answer->deleteLater();
         const auto event =
@@ -107,7 +120,28 @@ std::expected<void, QString> Agent::push(Sender sender, const ClientCall& call) 
             events_.write({event, method, QStringLiteral("ok")});
         }
     });
+}
+
+std::expected<void, QString> Agent::flood(Flood::Order order, const QString& target) {
+    const auto client = receiver(target);
+    if (!client) {
+        return std::unexpected(client.error());
+    }
+    const auto send = [this, client = *client](const QList<bool>& values) {
+        return bus_.asyncCall(messageTo(client, statusPush(values.front())));
+    };
+    new Flood(this, order, 1, send, [this](const QStringList& outcome) { events_.write(outcome); });
     return {};
+}
+
+std::expected<QString, QString> Agent::receiver(const QString& target) const {
+    if (!target.isEmpty()) {
+        return target;
+    }
+    if (clients_.isEmpty()) {
+        return std::unexpected(QStringLiteral("no client is registered, and no @NAME is given"));
+    }
+    return clients_.last();
 }
 
 void Agent::registerClientWith(const QString& identity) {
@@ -152,27 +186,30 @@ void Agent::noteCall() {
 void Agent::sendState(const QDBusMessage& call, const StateReply& reply) {
     switch (reply.kind) {
     case StateReply::Kind::Text:
-        bus_.send(call.createReply(QStringList{reply.text}));
+        bus_.send(call.createReply(QStringList{reply.text.leftJustified(reply.width)}));
         events_.write({QStringLiteral("replied"), call.member(), call.service(), reply.text});
-        return;
+        break;
     case StateReply::Kind::None:
         bus_.send(call.createReply(QStringList()));
         events_.write({QStringLiteral("replied"), call.member(), call.service()});
-        return;
+        break;
     case StateReply::Kind::Several:
         bus_.send(call.createReply(QStringList{reply.text, reply.text}));
         events_.write({QStringLiteral("replied"), call.member(), call.service(), reply.text, reply.text});
-        return;
+        break;
     case StateReply::Kind::WrongType:
         bus_.send(call.createReply(reply.text));
         events_.write({QStringLiteral("replied"), call.member(), call.service(), QStringLiteral("s:") + reply.text});
-        return;
+        break;
     case StateReply::Kind::Error:
         bus_.send(call.createErrorReply(reply.text, reply.errorMessage));
         events_.write({QStringLiteral("failed"), call.member(), call.service(), reply.text, reply.errorMessage});
-        return;
+        break;
     case StateReply::Kind::Never:
-        return;
+        break;
+    }
+    if (reply.thenPush) {
+        send(Sender::Agent, call.service(), statusPush(*reply.thenPush));
     }
 }
 

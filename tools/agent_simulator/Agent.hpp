@@ -1,8 +1,9 @@
 #pragma once
 
 #include "agent_simulator/ClientCall.hpp"
-#include "agent_simulator/EventWriter.hpp"
 #include "agent_simulator/StateReply.hpp"
+#include "support/EventWriter.hpp"
+#include "support/Flood.hpp"
 
 #include <QDBusConnection>
 #include <QDBusContext>
@@ -15,6 +16,9 @@
 #include <expected>
 
 namespace quorvale::agent_simulator {
+
+using simulator::EventWriter;
+using simulator::Flood;
 
 /// The agent's side of the link: its name and object on the system bus, and its calls to the registered client.
 class Agent final : public QObject, protected QDBusContext {
@@ -48,6 +52,10 @@ public:
     /// Calls the client; the outcome is an event.
     std::expected<void, QString> push(Sender sender, const ClientCall& call);
 
+    /// Calls updateProtectionStatus of the client that registered last, or of `target`, again and again; one event
+    /// tells the outcome. A restart doesn't end it.
+    std::expected<void, QString> flood(Flood::Order order, const QString& target);
+
     /// The bus names of the registered clients that are still there.
     [[nodiscard]] const QStringList& clients() const { return clients_; }
 
@@ -64,6 +72,9 @@ private:
         StateReply reply;
     };
 
+    /// The client that registered last, unless `target` names one.
+    [[nodiscard]] std::expected<QString, QString> receiver(const QString& target) const;
+    void send(Sender sender, const QString& client, const ClientCall& call);
     void noteCall();
     void sendState(const QDBusMessage& call, const StateReply& reply);
     void forgetClient(const QString& client);

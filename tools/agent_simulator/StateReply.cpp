@@ -11,6 +11,9 @@ std::expected<StateReply, QString> StateReply::parse(const QString& words) {
     if (word == u"text") {
         return StateReply{.text = rest};
     }
+    if (word == u"padded") {
+        return StateReply{.text = rest.section(u' ', 1), .width = rest.section(u' ', 0, 0).toLongLong()};
+    }
     if (word == u"bad") {
         return StateReply{.text = QStringLiteral("{\"active\":tru")};
     }
@@ -39,6 +42,17 @@ std::expected<StateReply, QString> StateReply::parse(const QString& words) {
         auto reply = parse(rest);
         if (reply) {
             reply->moment = Moment::WhenTold;
+        }
+        return reply;
+    }
+    if (word == u"then") {
+        const auto value = rest.section(u' ', 0, 0);
+        if (value != u"true" && value != u"false") {
+            return std::unexpected(QStringLiteral("then takes true or false, and a state"));
+        }
+        auto reply = parse(rest.section(u' ', 1));
+        if (reply) {
+            reply->thenPush = value == u"true";
         }
         return reply;
     }

@@ -1,20 +1,29 @@
 #include "platform/application/Application.hpp"
 
 #include "platform/desktop/ActivationToken.hpp"
+#include "platform/log/Logger.hpp"
 
 #include <QApplication>
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusContext>
+#include <QDBusError>
 #include <QDBusMessage>
+#include <QEvent>
+#include <QLoggingCategory>
 #include <QSocketNotifier>
 #include <QTimer>
 
+#include <atomic>
+#include <climits>
 #include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <dbus/dbus.h>
+#include <malloc.h>
 #include <map>
+#include <mutex>
 #include <sys/eventfd.h>
 #include <unistd.h>
 #include <utility>
@@ -23,6 +32,51 @@ namespace quorvale::platform::application {
 
 namespace {
 
+/// The one way out of the process. Any thread: whoever comes second waits for the end that the first one brings.
+class Door {
+public:
+    std::atomic<ApplicationDelegate*> delegate = nullptr;
+    std::function<void(const std::string&)> onFailure;
+    std::atomic<const log::Logger*> toolkitLogger = nullptr;
+
+    [[noreturn]] void leave(int status) {
+        tell();
+        // Threads may be at work with what destructors would destroy.
+        std::quick_exit(status);
+    }
+
+    [[noreturn]] void leaveFailing(const std::string& why) {
+        mutex_.lock();
+        if (onFailure) {
+            onFailure(why);
+        }
+        leave(EXIT_FAILURE);
+    }
+
+    /// For a library's call of `exit`, in which `quick_exit`, and with it the log's own handler, may not run any more.
+    [[noreturn]] void leaveFromExit() {
+        tell();
+        log::UnifiedLog::shared().flush(log::UnifiedLog::longestFlushAtTheEnd);
+        std::_Exit(EXIT_SUCCESS);
+    }
+
+private:
+    void tell() {
+        mutex_.lock();
+        if (auto* const told = delegate.exchange(nullptr)) {
+            told->applicationWillTerminate();
+        }
+    }
+
+    /// Never unlocked; what is said at the end may itself find a reason to end.
+    std::recursive_mutex mutex_;
+};
+
+Door& door() {
+    static auto& instance = *new Door;
+    return instance;
+}
+
 int terminationRequested = -1;
 
 void requestTermination(int /*signal*/) {
@@ -30,18 +84,55 @@ void requestTermination(int /*signal*/) {
     [[maybe_unused]] const auto written = ::write(terminationRequested, &one, sizeof one);
 }
 
-/// The toolkit aborts when there is no display to open; a core dump would tell nobody anything.
+/// Takes what the toolkit has to say, which is the last that is heard of it when the display ends: on X11 it then
+/// calls `exit`, on Wayland `_exit`. To watch the connection ourselves would be a race with it.
 void reportMessage(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message) {
-    std::fprintf(stderr, "%s\n", qPrintable(message));
-    if (type == QtFatalMsg) {
-        std::quick_exit(EXIT_FAILURE);
+    if (const auto* const logger = door().toolkitLogger.load()) {
+        logger->info("%{public}s", message.toStdString());
+    } else {
+        // Whoever starts the program reads this; later a reader who stops must not stop us.
+        std::fprintf(stderr, "%s\n", qPrintable(message));
+    }
+    for (const auto* const end : {"The X11 connection broke", "The Wayland connection broke"}) {
+        if (message.startsWith(QLatin1String(end))) {
+            door().leave(EXIT_SUCCESS);
+        }
+    }
+    if (type == QtFatalMsg || message.startsWith(QLatin1String("The Wayland connection experienced a fatal error"))) {
+        // The toolkit would abort; a core dump would tell nobody anything.
+        door().leaveFailing("The toolkit failed: " + message.toStdString());
     }
 }
+
+/// The library stops reading while 63 MiB of what it has read wait to be dealt with, and goes on from the thread that
+/// deals with them. The toolkit can't: it reads on a thread of its own, and would never hear from the bus again.
+void readHoweverMuchWaits(const QDBusConnection& bus) {
+    dbus_connection_set_max_received_size(static_cast<DBusConnection*>(bus.internalPointer()), LONG_MAX);
+}
+
+/// The end of the desktop session arrives as a wish to quit.
+class Toolkit final : public QApplication {
+public:
+    using QApplication::QApplication;
+
+protected:
+    bool event(QEvent* event) override {
+        if (event->type() == QEvent::Quit) {
+            // Qt would ask the windows first, one of which may refuse to close just then.
+            door().leave(EXIT_SUCCESS);
+        }
+        return QApplication::event(event);
+    }
+};
 
 QString objectPath(const QString& identifier) {
     return u'/' + QString(identifier).replace(u'.', u'/').replace(u'-', u'_');
 }
 
+constexpr int largestKeptBlock = 128 << 10;
+
+/// In which an instance that runs has answered, also from within its pause before it connects.
+constexpr int answerLimit = 2000; // milliseconds
 constexpr auto interfaceName = "org.freedesktop.Application";
 const auto activationToken = QStringLiteral("activation-token");
 
@@ -57,8 +148,8 @@ public:
         QApplication::setDesktopFileName(identifier_);
         QApplication::setApplicationName(identifier_);
         QApplication::setQuitOnLastWindowClosed(false);
-        connect(&application_, &QCoreApplication::aboutToQuit, this, [this] { terminate(EXIT_SUCCESS); });
-        watchSignals();
+        // The user's logging rules may silence it, but we need its warnings.
+        QLoggingCategory::defaultCategory()->setEnabled(QtWarningMsg, true);
     }
 
     Instance claim() {
@@ -67,6 +158,7 @@ public:
         if (!bus.isConnected()) {
             return Instance::noSessionBus;
         }
+        readHoweverMuchWaits(bus);
         bus.connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
                     QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"), this,
                     SLOT(busDisconnected()));
@@ -83,30 +175,32 @@ public:
             platformData.insert(activationToken, token);
         }
         activate << platformData;
-        return bus.call(activate).type() == QDBusMessage::ErrorMessage ? Instance::nameRefused : Instance::anotherRuns;
+        const auto reply = bus.call(activate, QDBus::Block, answerLimit);
+        if (reply.type() != QDBusMessage::ErrorMessage) {
+            return Instance::anotherRuns;
+        }
+        return QDBusError(reply).type() == QDBusError::NoReply ? Instance::anotherHangs : Instance::nameRefused;
+    }
+
+    void setDelegate(ApplicationDelegate& delegate) {
+        door().toolkitLogger = new log::Logger(identifier_.toStdString() + ".toolkit", "default");
+        door().delegate = &delegate;
+        watchSignals();
+        // Other libraries call it when their own connection to the display breaks.
+        std::atexit([] { door().leaveFromExit(); });
     }
 
     [[noreturn]] void run() {
-        QTimer::singleShot(0, this, [this] {
-            if (delegate) {
+        QTimer::singleShot(0, this, [] {
+            if (auto* const delegate = door().delegate.load()) {
                 delegate->applicationDidFinishLaunching();
             }
         });
-        terminate(QApplication::exec());
-    }
-
-    [[noreturn]] void terminate(int status) {
-        if (auto* const told = std::exchange(delegate, nullptr)) {
-            told->applicationWillTerminate();
-        }
-        // Runs no destructors, but has the log written out.
-        std::quick_exit(status);
+        door().leave(QApplication::exec());
     }
 
     std::function<void()> onActivation;
     std::map<std::string, std::function<void()>> actions;
-    std::function<void()> onSessionBusLoss;
-    ApplicationDelegate* delegate = nullptr;
 
 public Q_SLOTS:
 
@@ -134,11 +228,7 @@ public Q_SLOTS:
 
 private Q_SLOTS:
 
-    void busDisconnected() {
-        if (const auto handler = std::exchange(onSessionBusLoss, {})) {
-            handler();
-        }
-    }
+    void busDisconnected() { door().leaveFailing("The session bus went away"); }
 
 private:
     static desktop::ActivationToken tokenIn(const QVariantMap& platformData) {
@@ -148,19 +238,25 @@ private:
     void watchSignals() {
         terminationRequested = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
         auto* const notifier = new QSocketNotifier(terminationRequested, QSocketNotifier::Read, this);
-        connect(notifier, &QSocketNotifier::activated, this, [this] { terminate(EXIT_SUCCESS); });
+        connect(notifier, &QSocketNotifier::activated, this, [] { door().leave(EXIT_SUCCESS); });
         for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
-            std::signal(signal, requestTermination);
+            if (std::signal(signal, requestTermination) == SIG_IGN) {
+                // As nohup wants it.
+                std::signal(signal, SIG_IGN);
+            }
         }
         // Where nobody reads standard error any more, what is written there is lost, and no more.
         std::signal(SIGPIPE, SIG_IGN);
     }
 
     const QString identifier_;
-    QApplication application_;
+    Toolkit application_;
 };
 
 Application::Application(int& argc, char** argv, const std::string& identifier) {
+    // Left alone, the C library raises this limit to the largest block that was ever freed. What the log window frees,
+    // tens of MiB at every closing, would then stay with the process.
+    mallopt(M_MMAP_THRESHOLD, largestKeptBlock);
     qInstallMessageHandler(reportMessage);
     session_ = std::make_unique<Session>(argc, argv, identifier);
 }
@@ -179,12 +275,12 @@ void Application::setActionHandler(const std::string& name, std::function<void()
     session_->actions[name] = std::move(handler);
 }
 
-void Application::setSessionBusLossHandler(std::function<void()> handler) {
-    session_->onSessionBusLoss = std::move(handler);
+void Application::setFailureHandler(std::function<void(const std::string&)> handler) {
+    door().onFailure = std::move(handler);
 }
 
 void Application::setDelegate(ApplicationDelegate& delegate) {
-    session_->delegate = &delegate;
+    session_->setDelegate(delegate);
 }
 
 void Application::run() {
@@ -192,7 +288,7 @@ void Application::run() {
 }
 
 void Application::terminate(int status) {
-    session_->terminate(status);
+    door().leave(status);
 }
 
 } // namespace quorvale::platform::application

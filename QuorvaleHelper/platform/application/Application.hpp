@@ -6,11 +6,14 @@
 
 namespace quorvale::platform::application {
 
-/// Is told of the two ends of the application's life. Main thread.
+/// Is told of the two ends of the application's life, once each.
 class ApplicationDelegate {
 public:
     virtual ~ApplicationDelegate() = default;
+    /// Main thread.
     virtual void applicationDidFinishLaunching() = 0;
+    /// Nothing may be held back when it returns: there may be no chance to bring it out. Main thread, unless the
+    /// toolkit fails on another.
     virtual void applicationWillTerminate() = 0;
 };
 
@@ -18,6 +21,8 @@ public:
 enum class Instance {
     first,
     anotherRuns,
+    /// Another instance has the place and doesn't answer within two seconds.
+    anotherHangs,
     noSessionBus,
     /// The session bus refuses the identifier as a name, and no other instance answers.
     nameRefused,
@@ -27,7 +32,11 @@ enum class Instance {
 ///
 /// On the session bus it owns its identifier as a name and answers to `org.freedesktop.Application`
 /// (https://specifications.freedesktop.org/desktop-entry-spec/latest/dbus.html) at the object path made from it.
-/// SIGTERM, SIGINT, SIGHUP and the end of the desktop session terminate it in order.
+///
+/// From the delegate's appointment on, whatever ends the application tells the delegate once and runs no destructor.
+/// SIGTERM, SIGINT, SIGHUP, the end of the desktop session and that of the display end it with status 0, the loss of
+/// the session bus and a failure of the toolkit with status 1. Until then there is nothing to tell, and signals end it
+/// as they end any process. What the toolkit reports is logged under the identifier followed by ".toolkit".
 class Application {
 public:
     /// `identifier` is a reverse-DNS name. A desktop that can't be reached ends the process with status 1 and the
@@ -38,7 +47,7 @@ public:
     Application& operator=(const Application&) = delete;
 
     /// Takes the session's one place, or asks whoever has it to activate, for which the desktop's leave to take the
-    /// focus is passed on.
+    /// focus is passed on. Waits for the session bus and, at most two seconds, for the other instance.
     Instance claimInstance();
 
     /// `handler` runs when another process activates this one.
@@ -47,8 +56,9 @@ public:
     /// `handler` runs when another process asks for the action of that name, as a desktop entry's actions do.
     void setActionHandler(const std::string& name, std::function<void()> handler);
 
-    /// `handler` runs once, when the session bus goes away.
-    void setSessionBusLossHandler(std::function<void()> handler);
+    /// `handler` runs once, just before the delegate hears of an end with status 1: a sentence for the log. On the
+    /// delegate's thread.
+    void setFailureHandler(std::function<void(const std::string&)> handler);
 
     /// Not owned.
     void setDelegate(ApplicationDelegate& delegate);

@@ -38,8 +38,8 @@ MenuBarExtra::MenuBarExtra(const QDBusConnection& bus, StatusNotifierItem::Descr
     });
 }
 
-void MenuBarExtra::setContent(std::unique_ptr<QWidget> content) {
-    window_.setContent(std::move(content));
+void MenuBarExtra::setContent(MakeContent makeContent) {
+    makeContent_ = std::move(makeContent);
 }
 
 void MenuBarExtra::setStatusText(const QString& text) {
@@ -68,6 +68,9 @@ bool MenuBarExtra::isShown() const {
 
 void MenuBarExtra::open(QPoint anchor) {
     lastAnchor_ = anchor;
+    if (const auto makeContent = std::exchange(makeContent_, {})) {
+        window_.setContent(makeContent());
+    }
     window_.open(anchor);
 }
 

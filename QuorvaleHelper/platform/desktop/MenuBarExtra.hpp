@@ -8,6 +8,7 @@
 #include <QPoint>
 #include <QString>
 
+#include <functional>
 #include <memory>
 
 namespace quorvale::platform::desktop {
@@ -20,8 +21,10 @@ public:
     /// `bus` is the session bus, and carries one extra; the icon goes when the connection does.
     MenuBarExtra(const QDBusConnection& bus, StatusNotifierItem::Description description, QObject* parent = nullptr);
 
-    /// What the window shows, in place of what it showed.
-    void setContent(std::unique_ptr<QWidget> content);
+    using MakeContent = std::function<std::unique_ptr<QWidget>()>;
+
+    /// What the window shows from its next opening on. It is made then: most sessions never open the window.
+    void setContent(MakeContent makeContent);
 
     /// A word or two that follow the title in the tooltip and in the icon's description. Plain text.
     void setStatusText(const QString& text);
@@ -44,6 +47,7 @@ private:
     const QString title_;
     StatusIcon icon_;
     PanelWindow window_;
+    MakeContent makeContent_;
     QPoint lastAnchor_;
 };
 

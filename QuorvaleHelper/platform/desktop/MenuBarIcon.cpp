@@ -2,10 +2,14 @@
 
 #include "platform/desktop/SymbolImage.hpp"
 
+#include <QIconEngine>
 #include <QImageReader>
+#include <QPainter>
 
 #include <array>
 #include <cmath>
+#include <memory>
+#include <utility>
 
 namespace quorvale::platform::desktop {
 
@@ -18,15 +22,39 @@ constexpr double longestRatio = 16;
 // own doesn't scale a picture of another.
 constexpr std::array imageHeights{18, 22, 23, 27, 36, 54, 16, 24, 32, 48, 64};
 
-template <typename Render>
-QList<QImage> renderAll(QSizeF size, Render render) {
-    QList<QImage> images;
+QList<QSize> imageSizes(QSizeF size) {
+    QList<QSize> sizes;
     for (const auto height : imageHeights) {
-        const auto width = std::max(1, static_cast<int>(std::lround(size.width() / labelHeight * height)));
-        images.push_back(render(QSize(width, height)));
+        sizes.push_back({std::max(1, static_cast<int>(std::lround(size.width() / labelHeight * height))), height});
     }
-    return images;
+    return sizes;
 }
+
+class DrawnIcon final : public QIconEngine {
+public:
+    explicit DrawnIcon(MenuBarIcon icon) : icon_(std::move(icon)) {}
+
+    void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State state) override {
+        const auto picture = pixmap(rect.size() * painter->device()->devicePixelRatio(), mode, state);
+        QRect place({}, icon_.size.scaled(rect.size(), Qt::KeepAspectRatio).toSize());
+        place.moveCenter(rect.center());
+        painter->drawPixmap(place, picture);
+    }
+
+    QPixmap pixmap(const QSize& size, QIcon::Mode /*mode*/, QIcon::State /*state*/) override {
+        const auto fitting = icon_.size.scaled(size, Qt::KeepAspectRatio).toSize();
+        return QPixmap::fromImage(icon_.draw(fitting.expandedTo({1, 1})));
+    }
+
+    QList<QSize> availableSizes(QIcon::Mode /*mode*/, QIcon::State /*state*/) override {
+        return imageSizes(icon_.size);
+    }
+
+    [[nodiscard]] QIconEngine* clone() const override { return new DrawnIcon(icon_); }
+
+private:
+    const MenuBarIcon icon_;
+};
 
 } // namespace
 
@@ -42,15 +70,15 @@ std::expected<MenuBarIcon, QString> MenuBarIcon::load(const QString& path) {
     const auto unusable = [&] { return std::unexpected(QStringLiteral("%1 has no usable size").arg(path)); };
     // Named by its ending only: the reader for other formats would hand an SVG out as pixels.
     if (path.endsWith(QLatin1String(".svg"), Qt::CaseInsensitive)) {
-        const SymbolImage drawing(path);
-        if (!drawing.isValid()) {
+        const auto drawing = std::make_shared<const SymbolImage>(path);
+        if (!drawing->isValid()) {
             return std::unexpected(QStringLiteral("%1 can't be read").arg(path));
         }
-        const auto size = menuBarIconSize(drawing.naturalSize());
+        const auto size = menuBarIconSize(drawing->naturalSize());
         if (!size) {
             return unusable();
         }
-        return MenuBarIcon{*size, renderAll(*size, [&](QSize pixels) { return drawing.image(pixels); })};
+        return MenuBarIcon{*size, [drawing](QSize pixels) { return drawing->image(pixels); }};
     }
     QImageReader reader(path);
     const auto picture = reader.read();
@@ -61,23 +89,27 @@ std::expected<MenuBarIcon, QString> MenuBarIcon::load(const QString& path) {
     if (!size) {
         return unusable();
     }
-    return MenuBarIcon{*size, renderAll(*size, [&](QSize pixels) {
+    return MenuBarIcon{*size, [picture](QSize pixels) {
                            return picture.scaled(pixels, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-                       })};
+                       }};
 }
 
 MenuBarIcon MenuBarIcon::fromSymbol(const QString& path, const QColor& tint) {
-    const SymbolImage drawing(path);
-    const auto size = menuBarIconSize(drawing.naturalSize()).value_or(QSizeF(labelHeight, labelHeight));
-    return {size, renderAll(size, [&](QSize pixels) { return drawing.image(pixels, tint); })};
+    const auto drawing = std::make_shared<const SymbolImage>(path);
+    const auto size = menuBarIconSize(drawing->naturalSize()).value_or(QSizeF(labelHeight, labelHeight));
+    return {size, [drawing, tint](QSize pixels) { return drawing->image(pixels, tint); }};
+}
+
+QList<QImage> MenuBarIcon::images() const {
+    QList<QImage> images;
+    for (const auto& pixels : imageSizes(size)) {
+        images.push_back(draw(pixels));
+    }
+    return images;
 }
 
 QIcon MenuBarIcon::icon() const {
-    QIcon icon;
-    for (const auto& image : images) {
-        icon.addPixmap(QPixmap::fromImage(image));
-    }
-    return icon;
+    return QIcon(new DrawnIcon(*this));
 }
 
 } // namespace quorvale::platform::desktop

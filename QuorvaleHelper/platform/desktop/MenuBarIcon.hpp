@@ -8,6 +8,7 @@
 #include <QString>
 
 #include <expected>
+#include <functional>
 #include <optional>
 
 namespace quorvale::platform::desktop {
@@ -16,12 +17,12 @@ namespace quorvale::platform::desktop {
 /// a natural size that has no usable proportions: nothing, or more than sixteen times as long as it is high.
 std::optional<QSizeF> menuBarIconSize(QSizeF natural);
 
-/// The label image of a menu-bar extra, ready for panels of any height and scale.
+/// The label image of a menu-bar extra, for panels of any height and scale.
 struct MenuBarIcon {
     /// In points.
     QSizeF size;
-    /// The same picture in several heights, in pixels; first the one for a panel that doesn't scale.
-    QList<QImage> images;
+    /// Draws it, in pixels.
+    std::function<QImage(QSize)> draw;
 
     /// From the SVG, or any image that Qt reads, at `path`; an error says what is wrong with it.
     static std::expected<MenuBarIcon, QString> load(const QString& path);
@@ -29,6 +30,10 @@ struct MenuBarIcon {
     /// From the SVG at `path`, all in one colour. It is the program's own and can be read.
     static MenuBarIcon fromSymbol(const QString& path, const QColor& tint);
 
+    /// The same picture in several heights; first the one for a panel that doesn't scale.
+    [[nodiscard]] QList<QImage> images() const;
+
+    /// Drawn when, and as large as, it is painted.
     [[nodiscard]] QIcon icon() const;
 };
 

@@ -41,6 +41,11 @@ StatusIcon::StatusIcon(const QDBusConnection& bus, StatusNotifierItem::Descripti
     connect(&item_, &StatusNotifierItem::activated, this,
             [this](QPoint position, const QString& token) { Q_EMIT activated(anchorFor(position), token); });
     connect(&host_, &StatusNotifierHostWatch::hostChanged, this, &StatusIcon::followHost);
+    connect(&host_, &StatusNotifierHostWatch::answered, this, [this] {
+        if (std::exchange(isGraceOver_, false) && host_.host() == StatusNotifierHostWatch::Host::Absent) {
+            showInSystemTray();
+        }
+    });
     connect(&host_, &StatusNotifierHostWatch::failed, this, &StatusIcon::failed);
 }
 
@@ -59,11 +64,13 @@ void StatusIcon::timerEvent(QTimerEvent* event) {
         return;
     }
     absence_.stop();
-    showInSystemTray();
+    isGraceOver_ = true;
+    host_.ask();
 }
 
 void StatusIcon::followHost() {
     absence_.stop();
+    isGraceOver_ = false;
     switch (host_.host()) {
     case StatusNotifierHostWatch::Host::Unknown:
         break;
@@ -79,7 +86,8 @@ void StatusIcon::followHost() {
 }
 
 // Qt decides once, when it is first asked for a tray icon, whether to use status notifier items of its own, and waits
-// for the watcher to answer. Here no host is there, or one was denied just now, so it takes the X11 tray for good.
+// for the watcher to answer. Here there is no watcher, or it answered this moment that it has no host, so the wait is
+// short, and Qt takes the X11 tray for good.
 void StatusIcon::showInSystemTray() {
     trayIcon_ = std::make_unique<QSystemTrayIcon>(item_.description().icon.icon());
     trayIcon_->setToolTip(item_.toolTip());

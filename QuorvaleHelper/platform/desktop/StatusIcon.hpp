@@ -55,6 +55,8 @@ private:
     StatusNotifierItem item_;
     StatusNotifierHostWatch host_;
     QBasicTimer absence_;
+    /// The panel has been away for long enough, if it still is.
+    bool isGraceOver_ = false;
     std::unique_ptr<QSystemTrayIcon> trayIcon_;
 };
 

@@ -6,6 +6,7 @@
 #include <QDBusServiceWatcher>
 #include <QDBusVariant>
 
+#include <limits>
 #include <utility>
 
 namespace quorvale::platform::desktop {
@@ -15,11 +16,13 @@ namespace {
 const auto watcherName = QStringLiteral("org.kde.StatusNotifierWatcher");
 const auto watcherPath = QStringLiteral("/StatusNotifierWatcher");
 const auto watcherInterface = QStringLiteral("org.kde.StatusNotifierWatcher");
+/// A watcher that hangs hasn't said that no panel is there, and may say so late.
+constexpr int noTimeLimit = std::numeric_limits<int>::max();
 const auto noOwner = QStringLiteral("org.freedesktop.DBus.Error.NameHasNoOwner");
 
 template <typename Finished>
 void call(QDBusConnection& bus, const QDBusMessage& message, QObject* context, Finished finished) {
-    auto* const watcher = new QDBusPendingCallWatcher(bus.asyncCall(message), context);
+    auto* const watcher = new QDBusPendingCallWatcher(bus.asyncCall(message, noTimeLimit), context);
     QObject::connect(watcher, &QDBusPendingCallWatcher::finished, context,
                      [finished = std::move(finished)](QDBusPendingCallWatcher* done) {
                          done->deleteLater();
@@ -42,6 +45,14 @@ StatusNotifierHostWatch::StatusNotifierHostWatch(QDBusConnection bus, QObject* p
     askForOwner();
 }
 
+void StatusNotifierHostWatch::ask() {
+    if (owner_.isEmpty()) {
+        askForOwner();
+    } else {
+        askForHost();
+    }
+}
+
 void StatusNotifierHostWatch::watcherSignal(const QDBusMessage& message) {
     if (message.service() == owner_) {
         askForHost();
@@ -53,9 +64,9 @@ void StatusNotifierHostWatch::askForOwner() {
         QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
                                        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetNameOwner"));
     message << watcherName;
-    call(bus_, message, this, [this](const QDBusPendingReply<QString>& reply) {
+    call(bus_, message, this, [this, question = ++question_](const QDBusPendingReply<QString>& reply) {
         // A change that was told meanwhile is at least as new as this answer.
-        if (ownerKnown_) {
+        if (question != question_) {
             return;
         }
         if (reply.isError() && reply.error().name() != noOwner) {
@@ -66,11 +77,11 @@ void StatusNotifierHostWatch::askForOwner() {
 }
 
 void StatusNotifierHostWatch::setOwner(const QString& owner) {
-    ownerKnown_ = true;
     owner_ = owner;
     ++question_;
     if (owner_.isEmpty()) {
         setHost(Host::Absent);
+        Q_EMIT answered();
         return;
     }
     setHost(Host::Unknown);
@@ -105,6 +116,7 @@ void StatusNotifierHostWatch::askForHost() {
             Q_EMIT failed(QStringLiteral("Whether a panel shows status icons is not known: %1").arg(why));
         }
         setHost(isTold && value.toBool() ? Host::Present : Host::Absent);
+        Q_EMIT answered();
     });
 }
 

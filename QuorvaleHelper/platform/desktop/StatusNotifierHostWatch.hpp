@@ -29,8 +29,13 @@ public:
 
     [[nodiscard]] Host host() const { return host_; }
 
+    /// Asks once more. `answered` follows, when there is an answer.
+    void ask();
+
 Q_SIGNALS:
     void hostChanged();
+    /// `host()` is as of now.
+    void answered();
     /// A sentence for the log.
     void failed(const QString& what);
 
@@ -46,8 +51,7 @@ private:
 
     QDBusConnection bus_;
     QString owner_;
-    bool ownerKnown_ = false;
-    /// Tells the answer to the newest question from those before it.
+    /// Tells the answer to the newest question from those before it, and before what was told since.
     std::uint64_t question_ = 0;
     Host host_ = Host::Unknown;
 };

@@ -85,9 +85,6 @@ class Adaptor final : public QDBusAbstractAdaptor {
 
 public:
     explicit Adaptor(StatusNotifierItem& item) : QDBusAbstractAdaptor(&item), item_(item) {
-        for (const auto& image : item.description().icon.images) {
-            pixmaps_.push_back(notifierPixmap(image));
-        }
         connect(&item, &StatusNotifierItem::toolTipChanged, this, &Adaptor::NewToolTip);
         // Panels read the description of the icon again together with the icon.
         connect(&item, &StatusNotifierItem::toolTipChanged, this, &Adaptor::NewIcon);
@@ -105,7 +102,15 @@ public:
 
     [[nodiscard]] QString iconName() const { return {}; }
 
-    [[nodiscard]] NotifierPixmaps iconPixmap() const { return pixmaps_; }
+    /// Drawn when it is first asked for, so that nothing of it delays the icon's registration.
+    [[nodiscard]] NotifierPixmaps iconPixmap() {
+        if (pixmaps_.isEmpty()) {
+            for (const auto& image : item_.description().icon.images()) {
+                pixmaps_.push_back(notifierPixmap(image));
+            }
+        }
+        return pixmaps_;
+    }
 
     [[nodiscard]] QString iconAccessibleDesc() const { return item_.toolTip(); }
 

@@ -11,14 +11,12 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr auto longestFlushAtTheEnd = 500ms;
-
 /// How long the drain lets messages gather before it looks for more: under load one call of the output takes what was
 /// written meanwhile, and nobody who writes has to wake the drain up.
 constexpr auto gathering = 1ms;
 
 void flushShared() {
-    UnifiedLog::shared().flush(longestFlushAtTheEnd);
+    UnifiedLog::shared().flush(UnifiedLog::longestFlushAtTheEnd);
 }
 
 } // namespace

@@ -23,9 +23,10 @@ namespace quorvale::platform::log {
 class UnifiedLog {
 public:
     /// The log of the process, with the system's output. Created on first use, any thread, and never destroyed:
-    /// a connection's queue may still write while the process ends. `exit` and `quick_exit` flush it for at most half
-    /// a second, `_Exit` doesn't.
+    /// a connection's queue may still write while the process ends. `exit` and `quick_exit` flush it, `_Exit` doesn't.
     static UnifiedLog& shared();
+
+    static constexpr std::chrono::milliseconds longestFlushAtTheEnd{500};
 
     /// Without an output, messages go to the store only.
     explicit UnifiedLog(std::unique_ptr<Output> output, std::size_t budget = EntryStore::defaultBudget);

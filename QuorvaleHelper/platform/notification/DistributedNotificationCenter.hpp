@@ -34,7 +34,8 @@ public:
     DistributedNotificationCenter& operator=(const DistributedNotificationCenter&) = delete;
 
     /// Has `handler` called on the main thread for each notification of that name, whoever sent it, for as long as the
-    /// center lives. `name` is a D-Bus member name.
+    /// center lives, in the order in which they came and each in a turn of the event loop of its own: timers, signals
+    /// and whatever else is due are served between two of them. `name` is a D-Bus member name.
     void addObserver(const std::string& name, Handler handler);
 
 private:

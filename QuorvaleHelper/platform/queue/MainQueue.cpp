@@ -21,6 +21,13 @@ struct Item {
     MainQueue::Work work;
 };
 
+/// How long work that is due may keep the event loop from its other sources: timers, sockets, the display.
+constexpr std::chrono::milliseconds longestTurn{5};
+
+/// How long after work more of it waits for a turn that comes by itself. To wake the loop for each of a flood's items
+/// would cost several times what the items do.
+constexpr std::chrono::milliseconds lull{1};
+
 /// Heap order: the item that runs next is at the front.
 bool runsLater(const Item& left, const Item& right) {
     return std::pair(left.deadline, left.sequence) > std::pair(right.deadline, right.sequence);
@@ -41,10 +48,10 @@ public:
             const std::scoped_lock lock(mutex_);
             items_.push_back({deadline, next_++, std::move(work)});
             std::ranges::push_heap(items_, runsLater);
-            wake = !std::exchange(wakePosted_, true);
+            wake = !std::exchange(isTurnToCome_, true);
         }
         if (wake) {
-            QCoreApplication::postEvent(this, new QEvent(QEvent::User));
+            post();
         }
     }
 
@@ -62,13 +69,19 @@ private:
         std::uint64_t limit = 0;
         {
             const std::scoped_lock lock(mutex_);
-            wakePosted_ = false;
+            isTurnToCome_ = false;
             limit = next_;
         }
+        const auto end = Clock::now() + longestTurn;
+        bool hasWorked = false;
         while (auto work = takeDue(limit)) {
             work();
+            hasWorked = true;
+            if (Clock::now() >= end) {
+                break;
+            }
         }
-        rearm();
+        proceed(hasWorked);
     }
 
     Work takeDue(std::uint64_t limit) {
@@ -82,22 +95,32 @@ private:
         return work;
     }
 
-    void rearm() {
+    /// Another turn at once if work is due, else after the lull if there was work, else when some will be due. Posted,
+    /// since a timer of no time is served last by some event loops.
+    void proceed(bool hasWorked) {
         using namespace std::chrono;
         timer_.stop();
         const std::scoped_lock lock(mutex_);
-        if (items_.empty()) {
+        if (isTurnToCome_ || (items_.empty() && !hasWorked)) {
             return;
         }
-        const auto left = ceil<milliseconds>(items_.front().deadline - Clock::now());
-        const auto delay = std::clamp<milliseconds::rep>(left.count(), 0, std::numeric_limits<int>::max());
+        const auto left = items_.empty() ? lull : ceil<milliseconds>(items_.front().deadline - Clock::now());
+        isTurnToCome_ = hasWorked || left <= 0ms;
+        if (left <= 0ms) {
+            post();
+            return;
+        }
+        const auto delay = std::min<milliseconds::rep>((hasWorked ? std::min(left, lull) : left).count(),
+                                                       std::numeric_limits<int>::max());
         timer_.start(static_cast<int>(delay), Qt::PreciseTimer, this);
     }
+
+    void post() { QCoreApplication::postEvent(this, new QEvent(QEvent::User)); }
 
     std::mutex mutex_;
     std::vector<Item> items_;
     std::uint64_t next_ = 0;
-    bool wakePosted_ = false;
+    bool isTurnToCome_ = false;
     QBasicTimer timer_;
 };
 

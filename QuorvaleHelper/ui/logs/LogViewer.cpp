@@ -1,5 +1,6 @@
 #include "ui/logs/LogViewer.hpp"
 
+#include "platform/observable/objectDidChange.hpp"
 #include "ui/common/localized.hpp"
 #include "ui/logs/EntryView.hpp"
 
@@ -50,14 +51,8 @@ LogViewer::LogViewer(LogStore& logs, platform::queue::MainQueue& mainQueue, std:
     column->addLayout(row);
     setMinimumSize(minimum);
 
-    entriesWillChange_ = logs.objectWillChange([this, self = QPointer(this)] {
-        // The new lines are there when this turn of the main queue is over.
-        mainQueue_.async([this, self] {
-            if (self) {
-                entryView_->setItems(joined(logs_));
-            }
-        });
-    });
+    entriesChanges_ =
+        platform::observable::objectDidChange(logs, mainQueue_, [this] { entryView_->setItems(joined(logs_)); });
 }
 
 void LogViewer::showEvent(QShowEvent* event) {

@@ -31,7 +31,7 @@ private:
     LogStore& logs_;
     platform::queue::MainQueue& mainQueue_;
     EntryView* entryView_;
-    platform::observable::Subscription entriesWillChange_;
+    platform::observable::Subscription entriesChanges_;
 };
 
 } // namespace quorvale::ui::logs

@@ -1,10 +1,10 @@
 #include "ui/menu/WindowBarStyle.hpp"
 
+#include "platform/observable/objectDidChange.hpp"
 #include "ui/menu/MenuButton.hpp"
 #include "ui/menu/ProtectedState.hpp"
 
 #include <QPainter>
-#include <QPointer>
 #include <QVBoxLayout>
 
 #include <utility>
@@ -58,14 +58,8 @@ WindowBarStyle::WindowBarStyle(status::StatusManager& statusManager, platform::q
     // Everything in the column asks for all the width there is.
     setFixedWidth(columnWidth);
 
-    statusWillChange_ = statusManager.objectWillChange([&statusManager, &mainQueue, indicator = QPointer(indicator)] {
-        // The new value is there when this turn of the main queue is over.
-        mainQueue.async([&statusManager, indicator] {
-            if (indicator) {
-                indicator->setProtected(statusManager.status());
-            }
-        });
-    });
+    statusChanges_ = platform::observable::objectDidChange(
+        statusManager, mainQueue, [&statusManager, indicator] { indicator->setProtected(statusManager.status()); });
 }
 
 } // namespace quorvale::ui::menu

@@ -34,7 +34,7 @@ public:
                    Actions actions);
 
 private:
-    platform::observable::Subscription statusWillChange_;
+    platform::observable::Subscription statusChanges_;
 };
 
 } // namespace quorvale::ui::menu

@@ -9,6 +9,8 @@
 
 #include <atomic>
 #include <cstdlib>
+#include <filesystem>
+#include <iterator>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -156,6 +158,13 @@ TEST_F(ConnectionTest, FailsAOneWayMessageThatWasNotDeliveredOrIsNotKnownToBe) {
     ASSERT_TRUE(blockUntil([&] { return events_->all().size() == 4; }));
     bus_.goOn();
     EXPECT_THAT(events_->all(), ElementsAre(testing::_, testing::_, disconnected, invalidated));
+}
+
+TEST_F(ConnectionTest, EndsItsThreadWhenTheLastReferenceGoes) {
+    const auto threads = [] { return std::ranges::distance(std::filesystem::directory_iterator("/proc/self/task")); };
+    const auto atFirst = threads();
+    connection_.reset();
+    EXPECT_TRUE(blockUntil([&] { return threads() < atFirst; }));
 }
 
 } // namespace quorvale::platform::connection

@@ -47,13 +47,14 @@ TEST(MenuBarIconTest, IsDrawnForPanelsOfAnyHeightFirstTheUnscaledOne) {
         const auto icon = MenuBarIcon::load(path);
         ASSERT_TRUE(icon) << qPrintable(icon.error());
         EXPECT_EQ(icon->size, QSizeF(36, 18));
-        EXPECT_EQ(icon->images.constFirst().size(), QSize(36, 18));
+        EXPECT_EQ(icon->images().constFirst().size(), QSize(36, 18));
         QList<int> heights;
-        for (const auto& image : icon->images) {
+        for (const auto& image : icon->images()) {
             heights << image.height();
             EXPECT_EQ(image.width(), 2 * image.height());
             EXPECT_EQ(image.pixelColor(image.width() - 1, image.height() - 1), QColor(Qt::black));
         }
+        EXPECT_EQ(icon->icon().pixmap(QSize(40, 40)).size(), QSize(40, 20)) << "drawn in its own proportions";
         for (const auto height : {16, 18, 22, 24, 27, 32, 36, 48, 54, 64}) {
             EXPECT_TRUE(heights.contains(height)) << height;
         }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "support/PrivateBus.hpp"
+#include "support/waitUntil.hpp"
 
 #include <QDBusConnection>
 #include <QDBusMessage>

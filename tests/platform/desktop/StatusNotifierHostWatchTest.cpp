@@ -50,6 +50,21 @@ TEST_F(StatusNotifierHostWatchTest, FollowsHostsThatComeAndGoWhileTheWatcherStay
     EXPECT_EQ(failures, 0);
 }
 
+TEST_F(StatusNotifierHostWatchTest, AnswersWhenItIsAskedAgain) {
+    start();
+    expectHost(Host::Absent);
+    int answers = 0;
+    QObject::connect(watch.get(), &StatusNotifierHostWatch::answered, [&] { ++answers; });
+    watch->ask();
+    EXPECT_TRUE(tests::waitUntil([&] { return answers == 1; })) << "without a watcher";
+    EXPECT_EQ(watch->host(), Host::Absent);
+    const FakeWatcher watcher(session.other);
+    expectHost(Host::Present);
+    watch->ask();
+    EXPECT_TRUE(tests::waitUntil([&] { return answers == 3; })) << "with one";
+    EXPECT_EQ(failures, 0);
+}
+
 TEST_F(StatusNotifierHostWatchTest, TakesOnlyABooleanForAnAnswer) {
     for (const auto& answer : {QVariant(QStringLiteral("true")), QVariant(1), QVariant()}) {
         const FakeWatcher watcher(session.other, answer);

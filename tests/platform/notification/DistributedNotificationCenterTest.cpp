@@ -1,6 +1,8 @@
 #include "platform/notification/DistributedNotificationCenter.hpp"
 
 #include "support/PrivateBus.hpp"
+#include "support/Process.hpp"
+#include "support/waitUntil.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

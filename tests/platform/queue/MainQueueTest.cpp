@@ -4,8 +4,10 @@
 #include "support/waitUntil.hpp"
 
 #include <QCoreApplication>
+#include <QTimer>
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <memory>
 #include <thread>
 #include <utility>
@@ -66,6 +68,22 @@ TEST_F(MainQueueTest, RunsWorkOfRunningWorkInALaterTurn) {
     EXPECT_THAT(ran_, ElementsAre(1, 2));
     ASSERT_TRUE(waitForRuns(3));
     EXPECT_THAT(ran_, ElementsAre(1, 2, 3));
+}
+
+TEST_F(MainQueueTest, LetsTheRestOfTheEventLoopThroughWhileMuchIsDue) {
+    std::size_t before = 0;
+    for (int piece = 0; piece < 300; ++piece) {
+        queue_.async([this, piece] {
+            for (const auto end = MainQueue::Clock::now() + 1ms; MainQueue::Clock::now() < end;) {
+            }
+            ran_.push_back(piece);
+        });
+    }
+    QTimer::singleShot(1, [&] { before = ran_.size(); });
+    ASSERT_TRUE(waitForRuns(300));
+    EXPECT_GT(before, 0U);
+    EXPECT_LT(before, 300U);
+    EXPECT_TRUE(std::ranges::is_sorted(ran_));
 }
 
 TEST_F(MainQueueTest, RunsTheWorkOfEachThreadInItsOrderOnTheMainThread) {

@@ -31,7 +31,7 @@ TEST(SystemColorsTest, LetTheMenuBarIconStandOutOnLightAndDarkPanels) {
     const auto icon = platform::desktop::MenuBarIcon::load(QStringLiteral(QUORVALE_MENU_BAR_ICON));
     ASSERT_TRUE(icon) << qPrintable(icon.error());
     EXPECT_EQ(icon->size, QSizeF(18, 18));
-    for (const auto& image : icon->images) {
+    for (const auto& image : icon->images()) {
         // Beside the padlock, which is light, and inside of the smoothed edge.
         for (const auto& [x, y] : {std::pair(0.22, 0.4), {0.78, 0.4}, {0.5, 0.8}}) {
             const auto shield =

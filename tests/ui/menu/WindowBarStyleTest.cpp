@@ -24,13 +24,6 @@ protected:
         EXPECT_TRUE(QTest::qWaitForWindowActive(&view));
     }
 
-    /// Waits until everything queued so far, and what that queued, has run.
-    void drainQueue() {
-        bool done = false;
-        mainQueue.async([&] { mainQueue.async([&] { done = true; }); });
-        ASSERT_TRUE(tests::waitUntil([&] { return done; }));
-    }
-
     MenuButton* button(const char* title) {
         for (auto* candidate : view.findChildren<MenuButton*>()) {
             if (candidate->accessibleName() == QLatin1String(title)) {
@@ -77,8 +70,7 @@ TEST_F(WindowBarStyleTest, ShowsTheStatusAndFollowsItWhileItIsShown) {
     for (const auto value : {false, true, false, true}) {
         statusManager->setStatus(value);
     }
-    drainQueue();
-    EXPECT_EQ(indicator->text(), QStringLiteral("Protected"));
+    EXPECT_TRUE(tests::waitUntil([&] { return indicator->text() == QLatin1String("Protected"); }));
     EXPECT_EQ(view.width(), 200);
 
     auto late = std::make_unique<WindowBarStyle>(*statusManager, mainQueue, 18, WindowBarStyle::Actions{});
@@ -86,8 +78,7 @@ TEST_F(WindowBarStyleTest, ShowsTheStatusAndFollowsItWhileItIsShown) {
     // A view may go while its update is on the way.
     statusManager->setStatus(false);
     mainQueue.async([&] { late.reset(); });
-    drainQueue();
-    EXPECT_EQ(indicator->text(), QStringLiteral("Unprotected"));
+    EXPECT_TRUE(tests::waitUntil([&] { return indicator->text() == QLatin1String("Unprotected"); }));
 }
 
 TEST_F(WindowBarStyleTest, DismissesTheWindowBeforeItOpensTheMainApplication) {

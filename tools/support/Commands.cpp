@@ -1,32 +1,17 @@
-#include "agent_simulator/Commands.hpp"
+#include "support/Commands.hpp"
 
 #include <QCoreApplication>
 
 #include <array>
 #include <cerrno>
-#include <cstdlib>
-#include <iomanip>
-#include <sstream>
-#include <string>
+#include <csignal>
 #include <unistd.h>
+#include <utility>
 
-namespace quorvale::agent_simulator {
+namespace quorvale::simulator {
 
-namespace {
-
-QStringList wordsOf(const QString& line) {
-    QStringList words;
-    std::istringstream stream(line.toStdString());
-    for (std::string word; stream >> std::quoted(word, '\'');) {
-        words.append(QString::fromStdString(word));
-    }
-    return words;
-}
-
-} // namespace
-
-Commands::Commands(Agent& agent, EventWriter& events, std::chrono::milliseconds patience)
-    : agent_(agent), events_(events), input_(QSocketNotifier::Read) {
+Commands::Commands(EventWriter& events, std::chrono::milliseconds patience, Handler handler)
+    : events_(events), handler_(std::move(handler)), input_(QSocketNotifier::Read) {
     patience_.setSingleShot(true);
     patience_.setInterval(patience);
     QObject::connect(&patience_, &QTimer::timeout, this, [this] {
@@ -60,51 +45,22 @@ void Commands::obey(const QString& line) {
     }
     // Written first: its reader then finds the command obeyed in whatever it sends next, on the bus too.
     events_.write({QStringLiteral("obeys"), trimmed});
-    const auto command = trimmed.section(u' ', 0, 0);
+    const auto word = trimmed.section(u' ', 0, 0);
     const auto rest = trimmed.section(u' ', 1);
-    std::expected<void, QString> done;
-    const auto push = [&](Agent::Sender sender, const QStringList& words) {
-        if (words.isEmpty() || !ClientCall::isMethod(words.first())) {
-            done = std::unexpected(QStringLiteral("unknown command: ") + trimmed);
-        } else if (const auto call = ClientCall::parse(words.first(), words.mid(1)); !call) {
-            done = std::unexpected(call.error());
-        } else {
-            done = agent_.push(sender, *call);
-        }
-    };
-    if (command == u"state") {
-        if (auto reply = StateReply::parse(rest)) {
-            agent_.setStateReply(*std::move(reply));
-        } else {
-            done = std::unexpected(reply.error());
-        }
-    } else if (command == u"answer") {
-        agent_.answerHeld();
-    } else if (command == u"impostor") {
-        push(Agent::Sender::Impostor, wordsOf(rest));
-    } else if (command == u"clients") {
-        events_.write(QStringList(QStringLiteral("clients")) + agent_.clients());
-    } else if (command == u"release") {
-        agent_.releaseName();
-    } else if (command == u"acquire") {
-        done = agent_.acquireName();
-    } else if (command == u"restart") {
-        agent_.stop();
-        done = agent_.start();
-    } else if (command == u"await") {
+    if (word == u"await") {
         awaited_ = rest;
         patience_.start();
         for (const auto& event : std::exchange(unseenEvents_, {})) {
             noteEvent(event);
         }
-    } else if (command == u"quit") {
+    } else if (word == u"quit") {
         QCoreApplication::exit(exitStatus_);
-    } else if (command == u"crash") {
-        std::abort();
-    } else {
-        push(Agent::Sender::Agent, wordsOf(trimmed));
-    }
-    if (!done) {
+    } else if (word == u"crash") {
+        deadly_ = rest;
+        if (rest.isEmpty()) {
+            std::raise(SIGKILL);
+        }
+    } else if (const auto done = handler_(word, rest); !done) {
         fail(done.error());
     }
 }
@@ -134,6 +90,9 @@ void Commands::readInput() {
 }
 
 void Commands::noteEvent(const QString& event) {
+    if (!deadly_.isEmpty() && event.startsWith(deadly_)) {
+        std::raise(SIGKILL);
+    }
     if (awaited_.isEmpty()) {
         unseenEvents_.append(event);
     } else if (event.startsWith(awaited_)) {
@@ -143,4 +102,4 @@ void Commands::noteEvent(const QString& event) {
     }
 }
 
-} // namespace quorvale::agent_simulator
+} // namespace quorvale::simulator

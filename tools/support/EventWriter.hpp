@@ -4,7 +4,7 @@
 
 #include <functional>
 
-namespace quorvale::agent_simulator {
+namespace quorvale::simulator {
 
 /// Writes what happens to standard output, each event as one line of words with blanks between, at once.
 class EventWriter {
@@ -15,7 +15,7 @@ public:
         On,
     };
 
-    explicit EventWriter(Timestamps timestamps) : timestamps_(timestamps) {}
+    void setTimestamps(Timestamps timestamps) { timestamps_ = timestamps; }
 
     /// Line feeds and backslashes inside a word are written as \n and \\, so that an event stays one line.
     void write(const QStringList& words);
@@ -24,8 +24,8 @@ public:
     void observe(std::function<void(const QString& event)> observer) { observer_ = std::move(observer); }
 
 private:
-    Timestamps timestamps_;
+    Timestamps timestamps_ = Timestamps::Off;
     std::function<void(const QString&)> observer_;
 };
 
-} // namespace quorvale::agent_simulator
+} // namespace quorvale::simulator

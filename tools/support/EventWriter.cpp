@@ -1,9 +1,9 @@
-#include "agent_simulator/EventWriter.hpp"
+#include "support/EventWriter.hpp"
 
 #include <chrono>
 #include <iostream>
 
-namespace quorvale::agent_simulator {
+namespace quorvale::simulator {
 
 void EventWriter::write(const QStringList& words) {
     auto event = words.join(u' ');
@@ -18,4 +18,4 @@ void EventWriter::write(const QStringList& words) {
     }
 }
 
-} // namespace quorvale::agent_simulator
+} // namespace quorvale::simulator

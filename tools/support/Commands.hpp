@@ -1,35 +1,36 @@
 #pragma once
 
-#include "agent_simulator/Agent.hpp"
-#include "agent_simulator/EventWriter.hpp"
+#include "support/EventWriter.hpp"
 
+#include <QByteArray>
 #include <QObject>
 #include <QSocketNotifier>
+#include <QString>
 #include <QStringList>
 #include <QTimer>
 
 #include <chrono>
+#include <expected>
+#include <functional>
 
-namespace quorvale::agent_simulator {
+namespace quorvale::simulator {
 
 /// Obeys command lines, one after the other, from a script and then from standard input. The end of standard input
-/// ends the commands, not the agent.
+/// ends the commands, not the program.
 class Commands final : public QObject {
 public:
-    /// `patience` is how long `await` waits before the program gives up.
-    Commands(Agent& agent, EventWriter& events, std::chrono::milliseconds patience);
+    /// Obeys the command `word`, which `rest` follows in its line, or says why it can't.
+    using Handler = std::function<std::expected<void, QString>(const QString& word, const QString& rest)>;
+
+    /// `patience` is how long `await` waits before the program gives up. `handler` gets what isn't in `help`.
+    Commands(EventWriter& events, std::chrono::milliseconds patience, Handler handler);
 
     static constexpr auto help =
-        "  state REPLY            answer agentState so from now on\n"
-        "  answer                 send the late answers now\n"
-        "  METHOD [ARGUMENT...]   call that method of the client\n"
-        "  impostor METHOD ...    the same from a second connection, which doesn't own the agent's name\n"
-        "  clients                list the registered clients\n"
-        "  release, acquire       give up the agent's name, take it again\n"
-        "  restart                give up name and connection and come back with new ones\n"
         "  await BEGINNING        obey the next command when an event with this beginning has been written since\n"
         "                         the last one awaited\n"
-        "  quit, crash            end, end by abort()\n"
+        "  quit                   end\n"
+        "  crash [BEGINNING]      end as a killed process does, at once or with the next event that has this "
+        "beginning\n"
         "Empty lines and lines that begin with # are skipped.\n";
     static constexpr int commandFailed = 3;
 
@@ -43,15 +44,16 @@ private:
     void readInput();
     void noteEvent(const QString& event);
 
-    Agent& agent_;
     EventWriter& events_;
+    Handler handler_;
     QStringList waiting_;
     QStringList unseenEvents_;
     QString awaited_;
+    QString deadly_;
     QTimer patience_;
     QByteArray partial_;
     QSocketNotifier input_;
     int exitStatus_ = 0;
 };
 
-} // namespace quorvale::agent_simulator
+} // namespace quorvale::simulator

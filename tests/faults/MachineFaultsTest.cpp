@@ -1,0 +1,105 @@
+#include "faults/FaultsTest.hpp"
+
+#include <QTemporaryDir>
+
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+namespace quorvale::tests {
+
+namespace {
+
+using MachineFaultsTest = FaultsTest;
+
+/// Runs `script`, a shell command with `argument` as its $0, where it may mount what nobody else sees, and then the
+/// command that follows it.
+std::vector<std::string> afterMounting(const std::string& script, const std::string& argument) {
+    return {"unshare", "--map-current-user",      "--keep-caps", "--mount", "--", "sh",
+            "-ec",     script + R"(; exec "$@")", argument};
+}
+
+/// Plain users may have no mounts of their own.
+bool mayMount() {
+    Process unshare(
+        {.program = "unshare",
+         .arguments = {"--map-current-user", "--keep-caps", "--mount", "--", "sh", "-c", "mount -t tmpfs none /run"}});
+    return unshare.waitForExit() == Process::Exit{};
+}
+
+/// A journal that has stopped: its socket takes what fits in, and nobody reads it.
+class StoppedJournal {
+public:
+    StoppedJournal() : socket_(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0)) {
+        sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
+        directory_.filePath(QStringLiteral("socket")).toStdString().copy(address.sun_path, sizeof address.sun_path - 1);
+        EXPECT_EQ(::bind(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    }
+
+    ~StoppedJournal() { ::close(socket_); }
+
+    StoppedJournal(const StoppedJournal&) = delete;
+    StoppedJournal& operator=(const StoppedJournal&) = delete;
+
+    [[nodiscard]] std::string folder() const { return directory_.path().toStdString(); }
+
+private:
+    QTemporaryDir directory_;
+    int socket_;
+};
+
+/// A helper that has more to log than is taken from it, and its end.
+void outlivesItsLog(HelperProcess& helper, const PrivateBus& sessionBus) {
+    ASSERT_TRUE(waitUntil([&] { return helper.icon().has_value(); }));
+    RawPeerProcess updater(sessionBus);
+    updater.obey(std::vector<std::string>(200, "signal - /x com.quorvale.DistributedNotification QuorvaleHelper s"));
+    helper.notify(R"({"running":true,"restart":false,"terminate":false})");
+    EXPECT_TRUE(helper.shows("Protected"));
+    FaultsTest::end(helper);
+}
+
+} // namespace
+
+TEST_F(MachineFaultsTest, RunsOnWhenTheJournalStops) {
+    if (!mayMount()) {
+        GTEST_SKIP() << "no right to mount";
+    }
+    const StoppedJournal journal;
+    HelperProcess helper(
+        environment_, {},
+        afterMounting(R"(mount -t tmpfs none /run; mkdir /run/systemd; ln -s "$0" /run/systemd/journal)",
+                      journal.folder()));
+    outlivesItsLog(helper, sessionBus_);
+    EXPECT_THAT(helper.log(), testing::IsEmpty());
+}
+
+TEST_F(MachineFaultsTest, RunsOnWhenNobodyReadsItsErrors) {
+    HelperProcess helper(environment_, {}, {}, Process::ErrorOutput::Unread);
+    outlivesItsLog(helper, sessionBus_);
+}
+
+TEST_F(MachineFaultsTest, NeedsNoRoomAtHome) {
+    if (!mayMount()) {
+        GTEST_SKIP() << "no right to mount";
+    }
+    for (const std::string home : {R"(mount --bind "$0" "$0"; mount -o remount,bind,ro "$0")",
+                                   R"(mount -t tmpfs -o size=4k none "$0"; printf %4096s >"$0/full")"}) {
+        SCOPED_TRACE(home);
+        const QTemporaryDir folder;
+        auto environment = environment_;
+        for (const auto* variable : {"HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_DATA_HOME", "XDG_STATE_HOME"}) {
+            environment[variable] = folder.path().toStdString();
+        }
+        const AgentProcess agent(systemBus_, {"--state", active});
+        HelperProcess helper(environment, {},
+                             afterMounting(home + R"(; ! { echo x >"$0/more"; } 2>&-)", folder.path().toStdString()));
+        ASSERT_TRUE(helper.logs(launched));
+        helper.notify(restart);
+        ASSERT_TRUE(helper.logs(stateKnown));
+        EXPECT_TRUE(helper.shows("Protected"));
+        EXPECT_THAT(helper.log(), testing::Each(testing::StartsWith("info")));
+        end(helper);
+    }
+}
+
+} // namespace quorvale::tests
