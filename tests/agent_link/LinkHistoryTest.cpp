@@ -16,9 +16,9 @@
 #include <functional>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <random>
+#include <ranges>
 #include <semaphore>
 #include <set>
 #include <string>
@@ -197,9 +197,12 @@ struct Model {
 using Move = std::function<void(Model&)>;
 /// What happens in each of several places, in order.
 using Moves = std::map<std::string, std::vector<Move>>;
+constexpr auto nowhere = "";
 
-/// The worlds in which the moves may end when they start in one of `from`.
-std::set<Model> outcomes(const std::set<Model>& from, const Moves& moves) {
+/// The worlds in which the moves may end when they start in one of `from`. Those in no place depend on none of the
+/// others.
+std::set<Model> outcomes(const std::set<Model>& from, Moves moves) {
+    const auto independent = std::exchange(moves[nowhere], {});
     using Node = std::pair<Model, std::map<std::string, std::size_t>>;
     std::set<Node> seen;
     std::vector<Node> open;
@@ -209,8 +212,11 @@ std::set<Model> outcomes(const std::set<Model>& from, const Moves& moves) {
             open.push_back(std::move(node));
         }
     };
-    for (const auto& model : from) {
-        visit({model, {}});
+    for (auto model : from) {
+        for (const auto& move : independent) {
+            move(model);
+        }
+        visit({std::move(model), {}});
     }
     while (!open.empty()) {
         const auto [model, done] = std::move(open.back());
@@ -245,9 +251,13 @@ public:
         while (events > 0 && !testing::Test::HasFailure()) {
             events -= step();
         }
-        for (std::size_t event = history_.size() - std::min<std::size_t>(history_.size(), 20);
-             testing::Test::HasFailure() && event < history_.size(); ++event) {
-            ADD_FAILURE() << "event " << event << ": " << history_[event];
+        // Nothing may still be on its way to the log when that ends.
+        letTheDelayPass();
+        Moves moves;
+        settle(moves);
+        if (testing::Test::HasFailure()) {
+            const auto last = history_ | std::views::drop(history_.size() - std::min<std::size_t>(history_.size(), 20));
+            ADD_FAILURE() << "after " << history_.size() << " events, the last of which were" << joined(last);
         }
     }
 
@@ -255,10 +265,8 @@ public:
         if (const auto& connection = link_->clientConnection()) {
             connection->invalidate();
         }
-        EXPECT_TRUE(tests::blockUntil([&] {
-            QCoreApplication::processEvents();
-            return log_.count(invalidated) == log_.count("Helper XPC: Connection resumed") && firedAfter_ == connects_;
-        }));
+        EXPECT_TRUE(
+            tests::blockUntil([&] { return log_.count(invalidated) == log_.count("Helper XPC: Connection resumed"); }));
     }
 
 private:
@@ -311,23 +319,41 @@ private:
         agents_[index].held.clear();
     }
 
-    /// The agents, and a stranger who knows the newest connection by the question that each begins with.
+    /// The agents, and a stranger who learns of each connection by the first thing that it asks the bus for. (Nobody
+    /// overhears a question that the bus answers with an error.)
     void startPeers() {
         startAgent(0);
         startAgent(1);
         stranger_.emplace(bus_.address(), [this](sd_bus_message* call) {
-            const std::scoped_lock lock(mutex_);
-            client_ = sd_bus_message_get_sender(call);
+            if (sd_bus_message_get_sender(call) != stranger_->name()) {
+                clients_.emplace_back(sd_bus_message_get_sender(call));
+            }
         });
         stranger_->run([this] {
             stranger_->call({"org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "AddMatch"}, {},
-                            "s", "eavesdrop='true',type='method_call',member='GetNameOwner'");
+                            "s", "eavesdrop='true',type='method_call',member='AddMatch'");
         });
     }
 
-    [[nodiscard]] std::string client() const {
-        const std::scoped_lock lock(mutex_);
-        return client_;
+    /// Learns the name of the connection that is alive. Old ones may be, too, for a moment.
+    void findClient() {
+        std::counting_semaphore<> answered(0);
+        std::size_t asked = 0;
+        stranger_->run([&] {
+            asked = clients_.size();
+            for (const auto& name : clients_) {
+                callClient(*stranger_, name, "updateRulesStatus", true, [&, name](std::string_view error) {
+                    if (error != "org.freedesktop.DBus.Error.AccessDenied") {
+                        std::erase(clients_, name);
+                    }
+                    answered.release();
+                });
+            }
+        });
+        for (; asked > 0; --asked) {
+            EXPECT_TRUE(answered.try_acquire_for(20s));
+        }
+        stranger_->run([&] { client_ = clients_.size() == 1 ? clients_.front() : ""; });
     }
 
     static std::string place(const char* kind, std::size_t index) { return kind + std::to_string(index); }
@@ -408,7 +434,7 @@ private:
                 note((isStranger ? "a stranger" : name) + " pushes" + text);
                 auto& peer = isStranger ? stranger_ : agent.peer;
                 peer->post(
-                    [&peer, client = client(), value] { callClient(*peer, client, "updateProtectionStatus", value); });
+                    [&peer, client = client_, value] { callClient(*peer, client, "updateProtectionStatus", value); });
                 if (!isStranger) {
                     ofAgent.emplace_back([=](Model& model) { model.push(index, newest, value); });
                 }
@@ -424,7 +450,7 @@ private:
 
     void connect(Moves& moves) {
         note("connect");
-        auto& now = moves["main"];
+        auto& now = moves[nowhere];
         const bool hadOne = link_->clientConnection() != nullptr;
         mainQueue_.asyncAfter(platform::queue::MainQueue::Clock::now() + 500ms, [this] { ++firedBefore_; });
         link_->connectToAgent();
@@ -470,12 +496,21 @@ private:
         requested(moves);
     }
 
+    /// Nowhere for a connection that is dead whatever happens.
+    std::string placeOf(std::size_t link, const Moves& moves) const {
+        const auto place = World::place("link", link);
+        const bool isDead = !moves.contains(place) && std::ranges::all_of(possible_, [&](const Model& model) {
+            return model.links[link].phase == Model::Phase::dead;
+        });
+        return isDead ? nowhere : place;
+    }
+
     void requested(Moves& moves) {
         if (link_->clientConnection()) {
-            moves[place("link", connections_ - 1)].emplace_back(
+            moves[placeOf(connections_ - 1, moves)].emplace_back(
                 [link = connections_ - 1](Model& model) { model.request(link); });
         } else {
-            moves["main"].emplace_back(
+            moves[nowhere].emplace_back(
                 [](Model& model) { model.log("error: Failed to create a remote object proxy for the provider"); });
         }
     }
@@ -504,7 +539,7 @@ private:
         for (; handled_ < firedAfter_; ++handled_) {
             if (const auto link = delayed_[handled_]) {
                 note("registration on connection " + std::to_string(*link) + ", request");
-                moves[place("link", *link)].emplace_back([link = *link](Model& model) { model.registerOn(link); });
+                moves[placeOf(*link, moves)].emplace_back([link = *link](Model& model) { model.registerOn(link); });
                 requested(moves);
             }
         }
@@ -516,13 +551,14 @@ private:
         accepted_ = {};
         heldNow_ = 0;
         for (int round = 0; round < 3 && isBusUp_; ++round) {
-            const auto name = client();
+            findClient();
+            // Without a connection the bus itself answers, with an error.
+            const auto name = client_.empty() ? "org.freedesktop.DBus" : client_;
             std::counting_semaphore<> answered(0);
             std::ptrdiff_t asked = 0;
             std::atomic<std::size_t> held = 0;
-            std::atomic<bool> isAlive = false;
             std::array<std::atomic<bool>, 2> accepts{};
-            for (std::size_t index = 0; index < agents_.size() && !name.empty(); ++index) {
+            for (std::size_t index = 0; index < agents_.size(); ++index) {
                 if (auto& agent = agents_[index]; agent.peer) {
                     ++asked;
                     agent.peer->post([&, index] {
@@ -536,23 +572,13 @@ private:
                     });
                 }
             }
-            if (!name.empty()) {
-                ++asked;
-                stranger_->post([&] {
-                    callClient(*stranger_, name, "updateRulesStatus", true, [&](std::string_view error) {
-                        isAlive = error == "org.freedesktop.DBus.Error.AccessDenied";
-                        answered.release();
-                    });
-                });
-            }
             for (; asked > 0; --asked) {
-                answered.acquire();
+                EXPECT_TRUE(answered.try_acquire_for(20s));
             }
             accepted_ = {accepts[0], accepts[1]};
-            isAlive_ = isAlive;
             heldNow_ = held;
         }
-        isAlive_ = isAlive_ && isBusUp_;
+        isAlive_ = isBusUp_ && !client_.empty();
     }
 
     /// How many events there were.
@@ -561,7 +587,7 @@ private:
             note("the bus comes back");
             bus_.start();
             isBusUp_ = true;
-            client_.clear();
+            clients_.clear();
             startPeers();
         }
         const auto before = history_.size();
@@ -580,13 +606,17 @@ private:
         }
         if (firedAfter_ < connects_ && pick(25) == 0) {
             note("the delay passes");
-            EXPECT_TRUE(tests::blockUntil([&] {
-                QCoreApplication::processEvents();
-                return firedAfter_ == connects_;
-            }));
+            letTheDelayPass();
         }
         settle(moves);
         return static_cast<int>(history_.size() - before);
+    }
+
+    void letTheDelayPass() {
+        EXPECT_TRUE(tests::blockUntil([&] {
+            QCoreApplication::processEvents();
+            return firedAfter_ == connects_;
+        }));
     }
 
     void settle(Moves& moves) {
@@ -648,6 +678,14 @@ private:
         return seen;
     }
 
+    static std::string joined(const auto& texts) {
+        std::string result;
+        for (const auto& text : texts) {
+            result += "\n    " + text;
+        }
+        return result;
+    }
+
     static std::string describe(const Model& model) {
         std::string text;
         for (const auto& [line, times] : model.lines) {
@@ -664,8 +702,8 @@ private:
     tests::PrivateBus bus_;
     bool isBusUp_ = true;
     std::array<Agent, 2> agents_;
-    mutable std::mutex mutex_;
-    std::string client_; ///< of the newest connection that the bus knows
+    std::vector<std::string> clients_; ///< connections' names; the stranger's thread's
+    std::string client_;               ///< the name of the one that is alive
     std::optional<BusPeer> stranger_;
 
     tests::RecordedLog log_;
