@@ -1,0 +1,760 @@
+#include "agent_link/HelperXPC.hpp"
+#include "support/BusPeer.hpp"
+#include "support/PrivateBus.hpp"
+#include "support/RecordedLog.hpp"
+#include "support/blockUntil.hpp"
+
+#include <QCoreApplication>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <compare>
+#include <cstdlib>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <random>
+#include <ranges>
+#include <semaphore>
+#include <set>
+#include <string>
+#include <thread>
+#include <vector>
+
+// Random histories of the link, its agents and the bus, compared with a model of what may come of them. What happens
+// at the same time in different processes happens in the model in every order that each of them leaves open.
+
+namespace quorvale::agent_link {
+
+namespace {
+
+using namespace std::chrono_literals;
+using tests::BusPeer;
+
+enum class Policy : std::uint8_t { yes, no, twice, none, hold, error, wrongType, undecodable, count };
+
+constexpr auto proxyError = "error: Error creating provider proxy: <private>";
+constexpr auto registrationError = "error: Failed to register client with agent: <private>";
+constexpr auto invalidated = "Helper XPC: Connection invalidated";
+
+/// What the world may be like, and what has been logged and applied since the last comparison.
+struct Model {
+    enum class Phase : std::uint8_t { asking, starting, live, dead };
+
+    struct Link {
+        Phase phase = Phase::asking;
+        int registrations = 0; ///< delivered without the connection's knowing yet
+        auto operator<=>(const Link&) const = default;
+    };
+
+    struct Agent {
+        Policy policy = Policy::yes;
+        std::vector<std::size_t> unread; ///< state requests, by their connections
+        std::vector<std::size_t> held;
+        auto operator<=>(const Agent&) const = default;
+    };
+
+    std::optional<std::size_t> owner;
+    std::vector<Link> links; ///< the connections that there have been
+    std::array<Agent, 2> agents;
+    std::map<std::string, int> lines;
+    std::vector<bool> applied;
+
+    auto operator<=>(const Model&) const = default;
+
+    void log(const std::string& line) { ++lines[line]; }
+
+    void apply(const std::string& line, bool value) {
+        log(line + (value ? "true" : "false"));
+        applied.push_back(value);
+    }
+
+    [[nodiscard]] bool accepts(std::size_t agent) const {
+        return !links.empty() && links.back().phase != Phase::dead && owner == agent;
+    }
+
+    void setOwner(std::optional<std::size_t> next) {
+        for (const auto& link : links) {
+            if (owner && owner != next && (link.phase == Phase::live || link.phase == Phase::starting)) {
+                log("Helper XPC: Connection interrupted");
+            }
+        }
+        owner = next;
+    }
+
+    void end(std::size_t link) {
+        if (links[link].phase == Phase::dead) {
+            return;
+        }
+        for (auto& agent : agents) {
+            for (auto left = std::erase(agent.unread, link) + std::erase(agent.held, link); left > 0; --left) {
+                log(proxyError);
+            }
+        }
+        for (; links[link].registrations > 0; --links[link].registrations) {
+            log(registrationError);
+        }
+        links[link].phase = Phase::dead;
+        log(invalidated);
+    }
+
+    void crash(std::size_t agent) {
+        if (owner == agent) {
+            setOwner({});
+        }
+        auto& [policy, unread, held] = agents[agent];
+        for (auto left = unread.size() + held.size(); left > 0; --left) {
+            log(proxyError);
+        }
+        unread.clear();
+        held.clear();
+        policy = Policy::yes;
+    }
+
+    void registerOn(std::size_t link) {
+        if (links[link].phase == Phase::dead || !owner) {
+            log(registrationError);
+        } else {
+            ++links[link].registrations;
+        }
+    }
+
+    void request(std::size_t link) {
+        if (links[link].phase == Phase::dead || !owner) {
+            log(proxyError);
+        } else {
+            agents[*owner].unread.push_back(link);
+        }
+    }
+
+    void push(std::size_t agent, std::size_t link, bool value) {
+        if (owner == agent && links[link].phase != Phase::dead && links[link].phase != Phase::asking) {
+            apply("Helper: Agent State: ", value);
+        }
+    }
+
+    void answerHeld(std::size_t agent, bool value) {
+        for (auto left = std::exchange(agents[agent].held, {}).size(); left > 0; --left) {
+            apply("Initial State Changed: ", value);
+        }
+    }
+
+    void read(std::size_t agent) {
+        auto& [policy, unread, held] = agents[agent];
+        const auto link = unread.front();
+        unread.erase(unread.begin());
+        switch (policy) {
+        case Policy::yes:
+        case Policy::no:
+        case Policy::twice:
+            apply("Initial State Changed: ", policy != Policy::no);
+            break;
+        case Policy::hold:
+            held.push_back(link);
+            break;
+        case Policy::error:
+        case Policy::wrongType:
+            log(proxyError);
+            break;
+        case Policy::undecodable:
+            log("error: Failed to decode the agent state: key not found (active) at top level: No value for this key.");
+            break;
+        case Policy::none:
+        case Policy::count:
+            break;
+        }
+    }
+
+    /// What may come next without anybody's doing anything more.
+    [[nodiscard]] std::vector<Model> successors() const {
+        std::vector<Model> next;
+        for (std::size_t agent = 0; agent < agents.size(); ++agent) {
+            if (!agents[agent].unread.empty()) {
+                next.emplace_back(*this).read(agent);
+            }
+        }
+        for (std::size_t link = 0; link < links.size(); ++link) {
+            if (links[link].registrations > 0) {
+                next.emplace_back(*this).links[link].registrations = 0;
+            }
+            if (links[link].phase == Phase::starting) {
+                auto& started = next.emplace_back(*this);
+                if (owner) {
+                    started.links[link].phase = Phase::live;
+                } else {
+                    started.end(link);
+                }
+            }
+        }
+        return next;
+    }
+};
+
+using Move = std::function<void(Model&)>;
+/// What happens in each of several places, in order.
+using Moves = std::map<std::string, std::vector<Move>>;
+constexpr auto nowhere = "";
+
+/// The worlds in which the moves may end when they start in one of `from`. Those in no place depend on none of the
+/// others.
+std::set<Model> outcomes(const std::set<Model>& from, Moves moves) {
+    const auto independent = std::exchange(moves[nowhere], {});
+    using Node = std::pair<Model, std::map<std::string, std::size_t>>;
+    std::set<Node> seen;
+    std::vector<Node> open;
+    std::set<Model> ends;
+    const auto visit = [&](Node node) {
+        if (seen.insert(node).second) {
+            open.push_back(std::move(node));
+        }
+    };
+    for (auto model : from) {
+        for (const auto& move : independent) {
+            move(model);
+        }
+        visit({std::move(model), {}});
+    }
+    while (!open.empty()) {
+        const auto [model, done] = std::move(open.back());
+        open.pop_back();
+        const auto ahead = model.successors();
+        bool isEnd = ahead.empty();
+        for (const auto& next : ahead) {
+            visit({next, done});
+        }
+        for (const auto& [place, list] : moves) {
+            const auto at = done.contains(place) ? done.at(place) : 0;
+            if (at < list.size()) {
+                isEnd = false;
+                Node next{model, done};
+                list[at](next.first);
+                next.second[place] = at + 1;
+                visit(std::move(next));
+            }
+        }
+        if (isEnd) {
+            ends.insert(model);
+        }
+    }
+    return ends;
+}
+
+class World {
+public:
+    World(std::uint64_t seed, int events) : random_(seed) {
+        setenv("DBUS_SYSTEM_BUS_ADDRESS", bus_.address().c_str(), 1);
+        startPeers();
+        while (events > 0 && !testing::Test::HasFailure()) {
+            events -= step();
+        }
+        // Nothing may still be on its way to the log when that ends.
+        letTheDelayPass();
+        Moves moves;
+        settle(moves);
+        if (testing::Test::HasFailure()) {
+            const auto last = history_ | std::views::drop(history_.size() - std::min<std::size_t>(history_.size(), 20));
+            ADD_FAILURE() << "after " << history_.size() << " events, the last of which were" << joined(last);
+        }
+    }
+
+    ~World() {
+        if (const auto& connection = link_->clientConnection()) {
+            connection->invalidate();
+        }
+        EXPECT_TRUE(
+            tests::blockUntil([&] { return log_.count(invalidated) == log_.count("Helper XPC: Connection resumed"); }));
+    }
+
+private:
+    struct Agent {
+        Policy policy = Policy::yes;
+        std::vector<std::shared_ptr<sd_bus_message>> held;
+        std::optional<BusPeer> peer; ///< everything above is its thread's while there is one
+    };
+
+    std::size_t pick(std::size_t count) { return random_() % count; }
+
+    void note(std::string event) { history_.push_back(std::move(event)); }
+
+    void startAgent(std::size_t index) {
+        auto& agent = agents_[index];
+        agent.policy = Policy::yes;
+        agent.peer.emplace(bus_.address(), [&agent](sd_bus_message* call) {
+            if (sd_bus_message_is_method_call(call, nullptr, "agentState") == 0) {
+                return;
+            }
+            const auto answer = [&](const char* text) { agent.peer->answer(call, "as", 1, text); };
+            switch (agent.policy) {
+            case Policy::yes:
+                return answer(R"({"active":true})");
+            case Policy::no:
+                return answer(R"({"active":false})");
+            case Policy::twice:
+                answer(R"({"active":true})");
+                return answer(R"({"active":false})");
+            case Policy::none:
+                return agent.peer->answer(call, "as", 0);
+            case Policy::hold:
+                agent.held.emplace_back(sd_bus_message_ref(call), &sd_bus_message_unref);
+                return;
+            case Policy::error:
+                sd_bus_reply_method_errorf(call, "com.example.Error", "no");
+                return;
+            case Policy::wrongType:
+                return agent.peer->answer(call, "s", "text");
+            case Policy::undecodable:
+                return answer("{}");
+            case Policy::count:
+                return;
+            }
+        });
+    }
+
+    void endAgent(std::size_t index) {
+        agents_[index].peer.reset();
+        agents_[index].held.clear();
+    }
+
+    /// The agents, and a stranger who learns of each connection by the first thing that it asks the bus for. (Nobody
+    /// overhears a question that the bus answers with an error.)
+    void startPeers() {
+        startAgent(0);
+        startAgent(1);
+        stranger_.emplace(bus_.address(), [this](sd_bus_message* call) {
+            if (sd_bus_message_get_sender(call) != stranger_->name()) {
+                clients_.emplace_back(sd_bus_message_get_sender(call));
+            }
+        });
+        stranger_->run([this] {
+            stranger_->call({"org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "AddMatch"}, {},
+                            "s", "eavesdrop='true',type='method_call',member='AddMatch'");
+        });
+    }
+
+    /// Learns the name of the connection that is alive. Old ones may be, too, for a moment.
+    void findClient() {
+        std::counting_semaphore<> answered(0);
+        std::size_t asked = 0;
+        stranger_->run([&] {
+            asked = clients_.size();
+            for (const auto& name : clients_) {
+                callClient(*stranger_, name, "updateRulesStatus", true, [&, name](std::string_view error) {
+                    if (error != "org.freedesktop.DBus.Error.AccessDenied") {
+                        std::erase(clients_, name);
+                    }
+                    answered.release();
+                });
+            }
+        });
+        for (; asked > 0; --asked) {
+            EXPECT_TRUE(answered.try_acquire_for(20s));
+        }
+        stranger_->run([&] { client_ = clients_.size() == 1 ? clients_.front() : ""; });
+    }
+
+    static std::string place(const char* kind, std::size_t index) { return kind + std::to_string(index); }
+
+    /// Does something without waiting for what comes of it. `isStalled`: the bus does not let anyone in.
+    void act(Moves& moves, bool isStalled) {
+        const auto index = pick(2);
+        const auto value = pick(2) == 0;
+        auto& agent = agents_[index];
+        auto& ofAgent = moves[place("agent", index)];
+        const auto name = place("agent ", index);
+        const auto text = std::string(value ? " true" : " false");
+        const auto newest = connections_ - 1;
+        switch (const auto choice = pick(40)) {
+        case 0:
+        case 1:
+        case 2:
+            return connect(moves);
+        case 3:
+            if (link_->clientConnection()) {
+                note("invalidate");
+                link_->clientConnection()->invalidate();
+                moves[place("link", newest)].emplace_back([=](Model& model) { model.end(newest); });
+            }
+            return;
+        case 4:
+        case 5:
+            note(name + " crashes");
+            endAgent(index);
+            ofAgent.emplace_back([=](Model& model) { model.crash(index); });
+            return;
+        case 6:
+        case 7:
+        case 8:
+        case 9:
+        case 10:
+            return request(moves);
+        case 11:
+            if (!isStalled && pick(4) == 0) {
+                note("the bus ends");
+                stopBus(moves);
+            }
+            return;
+        default:
+            if (!agent.peer && !isStalled && isBusUp_) {
+                startAgent(index);
+            }
+            if (!agent.peer) {
+                return;
+            }
+            if (choice < 18) {
+                note(name + " takes the name");
+                agent.peer->post([&] { agent.peer->own(HelperXPC::agentService().name); });
+                ofAgent.emplace_back([=](Model& model) { model.setOwner(index); });
+            } else if (choice < 20) {
+                note(name + " releases the name");
+                agent.peer->post([&] { agent.peer->release(HelperXPC::agentService().name); });
+                ofAgent.emplace_back([=](Model& model) {
+                    if (model.owner == index) {
+                        model.setOwner({});
+                    }
+                });
+            } else if (choice < 25) {
+                const auto policy = static_cast<Policy>(pick(static_cast<std::size_t>(Policy::count)));
+                note(name + " gets policy " + std::to_string(static_cast<int>(policy)));
+                agent.peer->post([&agent, policy] { agent.policy = policy; });
+                ofAgent.emplace_back([=](Model& model) { model.agents[index].policy = policy; });
+            } else if (choice < 28) {
+                note(name + " answers what it holds" + text);
+                agent.peer->post([&agent, value] {
+                    for (const auto& call : std::exchange(agent.held, {})) {
+                        agent.peer->answer(call.get(), "as", 1, value ? R"({"active":true})" : R"({"active":false})");
+                    }
+                });
+                ofAgent.emplace_back([=](Model& model) { model.answerHeld(index, value); });
+            } else if (knownConnection_ == connections_ && connections_ > 0) {
+                const auto isStranger = choice < 30;
+                note((isStranger ? "a stranger" : name) + " pushes" + text);
+                auto& peer = isStranger ? stranger_ : agent.peer;
+                peer->post(
+                    [&peer, client = client_, value] { callClient(*peer, client, "updateProtectionStatus", value); });
+                if (!isStranger) {
+                    ofAgent.emplace_back([=](Model& model) { model.push(index, newest, value); });
+                }
+            }
+        }
+    }
+
+    static void callClient(BusPeer& peer, const std::string& client, const char* method, bool value,
+                           BusPeer::Outcome outcome = {}) {
+        peer.call({client, "/com/quorvale/QuorvaleHelper", "com.quorvale.ClientCommunication", method},
+                  std::move(outcome), "b", int{value});
+    }
+
+    void connect(Moves& moves) {
+        note("connect");
+        auto& now = moves[nowhere];
+        const bool hadOne = link_->clientConnection() != nullptr;
+        mainQueue_.asyncAfter(platform::queue::MainQueue::Clock::now() + 500ms, [this] { ++firedBefore_; });
+        link_->connectToAgent();
+        mainQueue_.asyncAfter(platform::queue::MainQueue::Clock::now() + 500ms, [this] { ++firedAfter_; });
+        ++connects_;
+        now.emplace_back([hadOne](Model& model) {
+            model.log("Helper XPC: Attempting to connect to agent");
+            if (hadOne) {
+                model.log("Helper XPC: Invalidating existing connection");
+            }
+        });
+        if (hadOne) {
+            moves[place("link", connections_ - 1)].emplace_back(
+                [old = connections_ - 1](Model& model) { model.end(old); });
+        }
+        if (!link_->clientConnection()) {
+            EXPECT_FALSE(isBusUp_);
+            delayed_.emplace_back();
+            now.emplace_back([](Model& model) { model.log("Helper XPC: Failed to connect to agent"); });
+            return;
+        }
+        const auto link = connections_++;
+        delayed_.emplace_back(link);
+        // The model has room for the connection from the beginning; it is asked about once it has resumed.
+        std::set<Model> withLink;
+        for (auto model : possible_) {
+            model.links.emplace_back();
+            withLink.insert(std::move(model));
+        }
+        possible_ = std::move(withLink);
+        now.emplace_back([](Model& model) {
+            model.log("Helper XPC: resuming XPC connection");
+            model.log("Helper XPC: Connection resumed");
+        });
+        moves[place("link", link)].emplace_back([link](Model& model) {
+            model.links[link].phase = model.owner ? Model::Phase::live : Model::Phase::starting;
+        });
+    }
+
+    void request(Moves& moves) {
+        note("request");
+        link_->requestAgentState();
+        requested(moves);
+    }
+
+    /// Nowhere for a connection that is dead whatever happens.
+    std::string placeOf(std::size_t link, const Moves& moves) const {
+        const auto place = World::place("link", link);
+        const bool isDead = !moves.contains(place) && std::ranges::all_of(possible_, [&](const Model& model) {
+            return model.links[link].phase == Model::Phase::dead;
+        });
+        return isDead ? nowhere : place;
+    }
+
+    void requested(Moves& moves) {
+        if (link_->clientConnection()) {
+            moves[placeOf(connections_ - 1, moves)].emplace_back(
+                [link = connections_ - 1](Model& model) { model.request(link); });
+        } else {
+            moves[nowhere].emplace_back(
+                [](Model& model) { model.log("error: Failed to create a remote object proxy for the provider"); });
+        }
+    }
+
+    void stopBus(Moves& moves) {
+        bus_.stop();
+        isBusUp_ = false;
+        endAgent(0);
+        endAgent(1);
+        stranger_.reset();
+        moves["bus"].emplace_back([](Model& model) {
+            for (std::size_t link = 0; link < model.links.size(); ++link) {
+                model.end(link);
+            }
+            model.crash(0);
+            model.crash(1);
+        });
+    }
+
+    /// Runs the main queue. Work that was delayed is another move.
+    void runMainQueue(Moves& moves) {
+        QCoreApplication::processEvents();
+        while (firedBefore_ != firedAfter_) {
+            QCoreApplication::processEvents();
+        }
+        for (; handled_ < firedAfter_; ++handled_) {
+            if (const auto link = delayed_[handled_]) {
+                note("registration on connection " + std::to_string(*link) + ", request");
+                moves[placeOf(*link, moves)].emplace_back([link = *link](Model& model) { model.registerOn(link); });
+                requested(moves);
+            }
+        }
+    }
+
+    /// Lets everyone who is there call the newest connection, three times: whatever was posted to it, sent by it,
+    /// answered and received before has had its effect then.
+    void exchangeMessages() {
+        accepted_ = {};
+        heldNow_ = 0;
+        for (int round = 0; round < 3 && isBusUp_; ++round) {
+            findClient();
+            // Without a connection the bus itself answers, with an error.
+            const auto name = client_.empty() ? "org.freedesktop.DBus" : client_;
+            std::counting_semaphore<> answered(0);
+            std::ptrdiff_t asked = 0;
+            std::atomic<std::size_t> held = 0;
+            std::array<std::atomic<bool>, 2> accepts{};
+            for (std::size_t index = 0; index < agents_.size(); ++index) {
+                if (auto& agent = agents_[index]; agent.peer) {
+                    ++asked;
+                    agent.peer->post([&, index] {
+                        held += static_cast<std::size_t>(std::ranges::count_if(agent.held, [&](const auto& call) {
+                            return sd_bus_message_get_sender(call.get()) == name;
+                        }));
+                        callClient(*agent.peer, name, "updateRulesStatus", true, [&, index](std::string_view error) {
+                            accepts[index] = error.empty();
+                            answered.release();
+                        });
+                    });
+                }
+            }
+            for (; asked > 0; --asked) {
+                EXPECT_TRUE(answered.try_acquire_for(20s));
+            }
+            accepted_ = {accepts[0], accepts[1]};
+            heldNow_ = held;
+        }
+        isAlive_ = isBusUp_ && !client_.empty();
+    }
+
+    /// How many events there were.
+    int step() {
+        if (!isBusUp_ && pick(3) == 0) {
+            note("the bus comes back");
+            bus_.start();
+            isBusUp_ = true;
+            clients_.clear();
+            startPeers();
+        }
+        const auto before = history_.size();
+        Moves moves;
+        runMainQueue(moves);
+        const bool isStalled = isBusUp_ && pick(8) == 0;
+        if (isStalled) {
+            note("the bus stalls");
+            bus_.stall();
+        }
+        for (auto actions = pick(2) == 0 ? 1 : 1 + pick(4); actions > 0; --actions) {
+            act(moves, isStalled);
+        }
+        if (isStalled) {
+            bus_.goOn();
+        }
+        if (firedAfter_ < connects_ && pick(25) == 0) {
+            note("the delay passes");
+            letTheDelayPass();
+        }
+        settle(moves);
+        return static_cast<int>(history_.size() - before);
+    }
+
+    void letTheDelayPass() {
+        EXPECT_TRUE(tests::blockUntil([&] {
+            QCoreApplication::processEvents();
+            return firedAfter_ == connects_;
+        }));
+    }
+
+    void settle(Moves& moves) {
+        std::set<Model> matching;
+        std::set<Model> ends;
+        std::size_t enumerated = SIZE_MAX;
+        Model seen;
+        const bool isSettled = tests::blockUntil([&] {
+            exchangeMessages();
+            runMainQueue(moves);
+            std::size_t count = 0;
+            for (const auto& [place, list] : moves) {
+                count += list.size();
+            }
+            if (std::exchange(enumerated, count) != count) {
+                ends = outcomes(possible_, moves);
+                return false; // Work that has just run is to be followed, too.
+            }
+            seen = observed();
+            matching.clear();
+            std::ranges::copy_if(ends, std::inserter(matching, matching.end()), [&](const Model& end) {
+                const bool isAlive = !end.links.empty() && end.links.back().phase != Model::Phase::dead;
+                return end.lines == seen.lines && end.applied == seen.applied && isAlive == isAlive_ &&
+                       end.accepts(0) == accepted_[0] && end.accepts(1) == accepted_[1] &&
+                       end.agents[0].held.size() + end.agents[1].held.size() == heldNow_;
+            });
+            return !matching.empty();
+        });
+        if (!isSettled) {
+            ADD_FAILURE() << "observed: " << describe(seen) << " alive " << isAlive_ << " accepts " << accepted_[0]
+                          << accepted_[1] << " held " << heldNow_;
+            for (const auto& end : ends) {
+                ADD_FAILURE() << "possible: " << describe(end) << " accepts " << end.accepts(0) << end.accepts(1)
+                              << " held " << end.agents[0].held.size() + end.agents[1].held.size();
+            }
+        }
+        possible_.clear();
+        for (auto model : matching) {
+            model.lines.clear();
+            model.applied.clear();
+            possible_.insert(std::move(model));
+        }
+        linesBefore_ = log_.lines().size();
+        values_.clear();
+        knownConnection_ = isAlive_ ? connections_ : 0;
+    }
+
+    /// The lines and the values since the last comparison.
+    Model observed() {
+        Model seen;
+        const auto lines = log_.lines();
+        for (auto line = linesBefore_; line < lines.size(); ++line) {
+            seen.log(lines[line]);
+        }
+        if (!values_.empty()) {
+            values_.back() = status_->status();
+        }
+        seen.applied = values_;
+        return seen;
+    }
+
+    static std::string joined(const auto& texts) {
+        std::string result;
+        for (const auto& text : texts) {
+            result += "\n    " + text;
+        }
+        return result;
+    }
+
+    static std::string describe(const Model& model) {
+        std::string text;
+        for (const auto& [line, times] : model.lines) {
+            text += "\n    " + std::to_string(times) + " x " + line;
+        }
+        text += "\n    applied";
+        for (const bool value : model.applied) {
+            text += value ? " true" : " false";
+        }
+        return text;
+    }
+
+    std::mt19937_64 random_;
+    tests::PrivateBus bus_;
+    bool isBusUp_ = true;
+    std::array<Agent, 2> agents_;
+    std::vector<std::string> clients_; ///< connections' names; the stranger's thread's
+    std::string client_;               ///< the name of the one that is alive
+    std::optional<BusPeer> stranger_;
+
+    tests::RecordedLog log_;
+    std::size_t linesBefore_ = 0;
+    platform::queue::MainQueue mainQueue_;
+    std::shared_ptr<status::StatusManager> status_ = std::make_shared<status::StatusManager>(mainQueue_);
+    std::vector<bool> values_;
+    platform::observable::Subscription observation_ = status_->objectWillChange([this] {
+        if (!values_.empty()) {
+            values_.back() = status_->status();
+        }
+        values_.push_back(false);
+    });
+    std::shared_ptr<HelperXPC> link_ = std::make_shared<HelperXPC>(HelperXPC::Collaborators{
+        .mainQueue = mainQueue_,
+        .logger = log_.logger(),
+        .makeConnection = [] { return platform::connection::Connection::toService(HelperXPC::agentService()); },
+        .sleep = [](std::chrono::seconds) {},
+        .statusManager = [this] { return status_; },
+    });
+    std::size_t connections_ = 0;
+    std::size_t knownConnection_ = 0;                 ///< how many there were when the newest one was last alive
+    std::vector<std::optional<std::size_t>> delayed_; ///< by call of connectToAgent: the connection it made
+    std::size_t connects_ = 0;
+    std::size_t firedBefore_ = 0;
+    std::size_t firedAfter_ = 0;
+    std::size_t handled_ = 0;
+
+    std::array<bool, 2> accepted_{};
+    bool isAlive_ = false;
+    std::size_t heldNow_ = 0;
+    std::set<Model> possible_{Model{}};
+    std::vector<std::string> history_;
+};
+
+std::uint64_t setting(const char* variable, std::uint64_t otherwise) {
+    const auto* const text = std::getenv(variable);
+    return text ? std::strtoull(text, nullptr, 10) : otherwise;
+}
+
+} // namespace
+
+/// QUORVALE_SEED and QUORVALE_EVENTS choose other histories and more of them.
+TEST(LinkHistoryTest, LogsAndAppliesWhatTheModelAllows) {
+    constexpr int eventsOfOne = 250;
+    auto seed = setting("QUORVALE_SEED", 1);
+    auto left = static_cast<int>(setting("QUORVALE_EVENTS", 10'000));
+    for (; left > 0 && !HasFailure(); left -= eventsOfOne, ++seed) {
+        SCOPED_TRACE("QUORVALE_SEED=" + std::to_string(seed));
+        const World world(seed, std::min(left, eventsOfOne));
+    }
+}
+
+} // namespace quorvale::agent_link
