@@ -2,6 +2,7 @@
 
 #include <QTemporaryDir>
 
+#include <filesystem>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
@@ -76,6 +77,25 @@ TEST_F(MachineFaultsTest, RunsOnWhenTheJournalStops) {
 TEST_F(MachineFaultsTest, RunsOnWhenNobodyReadsItsErrors) {
     HelperProcess helper(environment_, {}, {}, Process::ErrorOutput::Unread);
     outlivesItsLog(helper, sessionBus_);
+}
+
+TEST_F(MachineFaultsTest, RunsWithoutStandardDescriptors) {
+    AgentProcess agent(systemBus_, {"--state", active});
+    // Which of them are missing decides what would take the place of standard error.
+    for (const std::string missing : {"<&-", "2>&-", ">&- 2>&-", "<&- 2>&-", "<&- >&- 2>&-"}) {
+        SCOPED_TRACE(missing);
+        HelperProcess helper(environment_, {}, {"sh", "-c", R"(exec "$0" "$@" )" + missing});
+        ASSERT_TRUE(waitUntil([&] { return helper.icon().has_value(); }));
+        helper.notify(restart);
+        ASSERT_TRUE(agent.waitForEvent("replied "));
+        EXPECT_TRUE(helper.shows("Protected"));
+        const auto descriptors = "/proc/" + std::to_string(helper.process().id()) + "/fd/";
+        for (const auto* const standard : {"0", "1", "2"}) {
+            const auto file = std::filesystem::read_symlink(descriptors + standard).string();
+            EXPECT_TRUE(file == "/dev/null" || file.starts_with("pipe:")) << standard << " is " << file;
+        }
+        end(helper);
+    }
 }
 
 TEST_F(MachineFaultsTest, NeedsNoRoomAtHome) {

@@ -22,6 +22,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <dbus/dbus.h>
+#include <fcntl.h>
 #include <malloc.h>
 #include <map>
 #include <mutex>
@@ -76,6 +77,18 @@ private:
 Door& door() {
     static auto& instance = *new Door;
     return instance;
+}
+
+/// Else the first that libraries open would take the place of the standard ones that the process was started without,
+/// and get what is written there: the session bus would get the log, and hang up.
+void openMissingStandardDescriptors() {
+    int descriptor = -1;
+    do {
+        descriptor = ::open("/dev/null", O_RDWR);
+    } while (descriptor >= 0 && descriptor <= STDERR_FILENO);
+    if (descriptor > STDERR_FILENO) {
+        ::close(descriptor);
+    }
 }
 
 int terminationRequested = -1;
@@ -257,6 +270,7 @@ private:
 };
 
 Application::Application(int& argc, char** argv, const std::string& identifier) {
+    openMissingStandardDescriptors();
     // Left alone, the C library raises this limit to the largest block that was ever freed. What the log window frees,
     // tens of MiB at every closing, would then stay with the process.
     mallopt(M_MMAP_THRESHOLD, largestKeptBlock);
