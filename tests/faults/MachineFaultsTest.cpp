@@ -42,6 +42,16 @@ public:
     StoppedJournal(const StoppedJournal&) = delete;
     StoppedJournal& operator=(const StoppedJournal&) = delete;
 
+    /// What fitted in.
+    [[nodiscard]] std::string taken() const {
+        std::string fields;
+        char entry[4096];
+        for (ssize_t size = 0; (size = ::recv(socket_, entry, sizeof entry, MSG_DONTWAIT)) > 0;) {
+            fields.append(entry, static_cast<std::size_t>(size));
+        }
+        return fields;
+    }
+
     [[nodiscard]] std::string folder() const { return directory_.path().toStdString(); }
 
 private:
@@ -72,6 +82,10 @@ TEST_F(MachineFaultsTest, RunsOnWhenTheJournalStops) {
                       journal.folder()));
     outlivesItsLog(helper, sessionBus_);
     EXPECT_THAT(helper.log(), testing::IsEmpty());
+    const std::string ours = "\nSUBSYSTEM=com.quorvale.QuorvaleHelper\nCATEGORY=default\nFORMAT=";
+    EXPECT_THAT(journal.taken(),
+                testing::AllOf(testing::HasSubstr("PRIORITY=6" + ours + "Quorvale Helper Started...\nMESSAGE=Quorvale"),
+                               testing::HasSubstr("PRIORITY=3" + ours + "Failed to decode")));
 }
 
 TEST_F(MachineFaultsTest, RunsOnWhenNobodyReadsItsErrors) {

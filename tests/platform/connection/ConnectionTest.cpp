@@ -85,6 +85,9 @@ protected:
         service_.emplace(bus_.address(), [this](sd_bus_message* call) {
             name_ = sd_bus_message_get_sender(call);
             received_->add(sd_bus_message_get_member(call));
+            if (refusesNext_.exchange(false)) {
+                sd_bus_reply_method_errorf(call, SD_BUS_ERROR_FAILED, "Told in vain.");
+            }
         });
         service_->run([this] { service_->own(serviceName); });
         connection_ = Connection::toService({serviceName, "/service", "/client"});
@@ -113,6 +116,7 @@ protected:
     tests::PrivateBus bus_;
     std::shared_ptr<Events> received_ = std::make_shared<Events>();
     std::string name_;
+    std::atomic<bool> refusesNext_ = false;
     std::optional<BusPeer> service_;
     std::shared_ptr<Client> client_ = std::make_shared<Client>();
     std::shared_ptr<Events> events_ = std::make_shared<Events>();
@@ -120,6 +124,10 @@ protected:
 };
 
 TEST_F(ConnectionTest, TakesNoCallThatWasOnItsWayWhenItWasInvalidated) {
+    // Of no account, since the bus has passed it on.
+    service().send(tell);
+    service().send(ask, [](bool) {});
+    ASSERT_TRUE(blockUntil([&] { return received_->all().size() == 3; }));
     callClient("hold", [](std::string_view) {});
     ASSERT_TRUE(blockUntil([&] { return client_->held.load(); }));
     connection_->invalidate();
@@ -131,7 +139,8 @@ TEST_F(ConnectionTest, TakesNoCallThatWasOnItsWayWhenItWasInvalidated) {
     ASSERT_TRUE(blockUntil([&] { return !answers.all().empty(); }));
     EXPECT_THAT(answers.all(), ElementsAre("org.freedesktop.DBus.Error.NoReply"));
     EXPECT_FALSE(client_->pushed);
-    EXPECT_THAT(events_->all(), ElementsAre(disconnected, invalidated));
+    ASSERT_TRUE(blockUntil([&] { return events_->all().size() >= 3; }));
+    EXPECT_THAT(events_->all(), ElementsAre(disconnected, disconnected, invalidated));
 }
 
 TEST_F(ConnectionTest, FailsAnUnansweredMessageButIsNotInvalidatedWhenTheLastReferenceGoes) {
@@ -141,9 +150,11 @@ TEST_F(ConnectionTest, FailsAnUnansweredMessageButIsNotInvalidatedWhenTheLastRef
 }
 
 TEST_F(ConnectionTest, FailsAOneWayMessageThatWasNotDeliveredOrIsNotKnownToBe) {
-    // Delivered: whatever becomes of the service afterwards is of no account.
+    // Delivered: what the service says to it, and whatever becomes of the service afterwards, is of no account.
+    refusesNext_ = true;
     service().send(tell);
-    ASSERT_TRUE(blockUntil([&] { return received_->all().size() == 2; }));
+    service().send(tell);
+    ASSERT_TRUE(blockUntil([&] { return received_->all().size() == 3; }));
     service_.reset();
     ASSERT_TRUE(blockUntil([&] { return events_->all().size() == 1; }));
     EXPECT_THAT(events_->all(), ElementsAre("failed: org.freedesktop.DBus.Error.NoReply")) << "the request";
