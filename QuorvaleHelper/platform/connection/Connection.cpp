@@ -24,7 +24,7 @@ namespace quorvale::platform::connection {
 namespace {
 
 constexpr auto busName = "org.freedesktop.DBus";
-constexpr std::size_t mostUnanswered = 64;
+constexpr std::size_t mostAnswers = 64;
 
 struct Release {
     void operator()(sd_bus* bus) const { sd_bus_close_unref(bus); }
@@ -35,21 +35,16 @@ struct Release {
 template <typename Object>
 using Handle = std::unique_ptr<Object, Release>;
 
-std::string textOf(const char* text) {
+std::string_view textOf(const char* text) {
     return text ? text : "";
 }
 
-std::string senderOf(sd_bus_message* message) {
+std::string_view senderOf(sd_bus_message* message) {
     return textOf(sd_bus_message_get_sender(message));
 }
 
 bool isError(sd_bus_message* answer) {
     return sd_bus_message_is_method_error(answer, nullptr) > 0;
-}
-
-Error errorOf(sd_bus_message* answer) {
-    const auto* const error = sd_bus_message_get_error(answer);
-    return {textOf(error->name), textOf(error->message)};
 }
 
 /// Whether a one-way message came back. Any answer of the peer, and its end before it gave one, tells that it arrived.
@@ -133,25 +128,21 @@ public:
             onError({SD_BUS_ERROR_FAILED, "The message can't be sent."});
             return;
         }
-        auto& pending = pending_[*sent];
-        pending.onEnd = onError;
-        if (method.reply) {
-            pending.onAnswer = [type = *method.reply, onError, onReply](sd_bus_message* answer) {
-                if (isError(answer)) {
-                    onError(errorOf(answer));
-                } else if (auto value = read(answer, type); value && sd_bus_message_at_end(answer, 1) > 0) {
-                    onReply(*std::move(value));
-                } else {
-                    onError({SD_BUS_ERROR_INVALID_SIGNATURE, "The reply does not decode."});
-                }
-            };
-            return;
-        }
-        pending.onAnswer = [onError](sd_bus_message* answer) {
-            if (isUndelivered(answer)) {
-                onError(errorOf(answer));
+        const auto onAnswer = [type = method.reply, onError, onReply](sd_bus_message* answer) {
+            if (type ? isError(answer) : isUndelivered(answer)) {
+                const auto* const error = sd_bus_message_get_error(answer);
+                onError({std::string(textOf(error->name)), std::string(textOf(error->message))});
+            } else if (auto value = type ? read(answer, *type) : std::nullopt;
+                       value && sd_bus_message_at_end(answer, 1) > 0) {
+                onReply(*std::move(value));
+            } else if (type) {
+                onError({SD_BUS_ERROR_INVALID_SIGNATURE, "The reply does not decode."});
             }
         };
+        pending_[*sent] = {onAnswer, onError};
+        if (method.reply) {
+            return;
+        }
         // The bus deals with messages in their order: when it answers this one, it has delivered the one before, or has
         // sent it back already, or keeps it for a service that it starts.
         askBus("GetId", "", "", [this, taken = *sent](sd_bus_message* /*answer*/) {
@@ -172,7 +163,7 @@ public:
                 message.onEnd(disconnected());
             }
         }
-        unanswered_.clear();
+        answers_.clear();
         tellOfEnd();
     }
 
@@ -200,7 +191,8 @@ private:
             const auto processed = bus_ && isResumed_ ? sd_bus_process(bus_.get(), nullptr) : 0;
             if (processed < 0) {
                 becomeInvalid();
-            } else if (processed == 0 && !answer()) {
+            } else if (processed == 0) {
+                sendAnswers();
                 wait();
             }
             for (auto& work : takePosted()) {
@@ -208,16 +200,6 @@ private:
             }
         }
         delete this;
-    }
-
-    /// Answers the calls that were taken; whether there were any. Not at once: the library finds out by this that the
-    /// bus has ended, and then reads no more, though there may be calls that the bus had passed on before.
-    bool answer() {
-        const auto calls = std::exchange(unanswered_, {});
-        for (const auto& call : calls) {
-            sd_bus_reply_method_return(call.get(), "");
-        }
-        return !calls.empty();
     }
 
     std::vector<Work> takePosted() {
@@ -231,12 +213,13 @@ private:
         int limit = -1;
         if (bus_ && isResumed_) {
             descriptors[1] = {sd_bus_get_fd(bus_.get()), static_cast<short>(sd_bus_get_events(bus_.get())), 0};
-            // The library has a time limit to look at until it is let in.
-            limit = sd_bus_is_ready(bus_.get()) > 0 ? -1 : 1000;
+            // The library has a time limit to look at until it is let in, and the end to tell of.
+            limit = sd_bus_is_ready(bus_.get()) > 0 ? -1 : sd_bus_is_open(bus_.get()) > 0 ? 1000 : 0;
         }
         ::poll(descriptors.data(), descriptors.size(), limit);
-        eventfd_t count = 0;
-        ::eventfd_read(wakeUp_, &count);
+        if (eventfd_t count = 0; descriptors[0].revents != 0) {
+            ::eventfd_read(wakeUp_, &count);
+        }
     }
 
     /// Makes the questions after the service's owner the first messages on the bus.
@@ -350,35 +333,50 @@ private:
             return 0;
         }
         if (owner_.empty() || senderOf(call) != owner_) {
-            return sd_bus_reply_method_errorf(call, SD_BUS_ERROR_ACCESS_DENIED, "Only the owner of %s may call.",
-                                              address_.name.c_str());
+            return answer(call, SD_BUS_ERROR_ACCESS_DENIED, "Only the owner of " + address_.name + " may call.");
         }
-        const auto member = textOf(sd_bus_message_get_member(call));
+        const std::string member = sd_bus_message_get_member(call);
         const auto method = std::ranges::find(with_.exported.methods, member, &Method::name);
         if (method == with_.exported.methods.end()) {
-            return sd_bus_reply_method_errorf(call, SD_BUS_ERROR_UNKNOWN_METHOD, "There is no method %s.",
-                                              member.c_str());
+            return answer(call, SD_BUS_ERROR_UNKNOWN_METHOD, "There is no method " + member + '.');
         }
         std::vector<Value> arguments;
         for (const auto& [name, type] : method->parameters) {
             auto value = read(call, type);
             if (!value) {
-                return sd_bus_reply_method_errorf(call, SD_BUS_ERROR_INVALID_ARGS, "%s: argument %s does not decode.",
-                                                  member.c_str(), std::string(name).c_str());
+                return answer(call, SD_BUS_ERROR_INVALID_ARGS,
+                              member + ": argument " + std::string(name) + " does not decode.");
             }
             arguments.push_back(*std::move(value));
         }
         if (sd_bus_message_at_end(call, 1) == 0) {
-            return sd_bus_reply_method_errorf(call, SD_BUS_ERROR_INVALID_ARGS,
-                                              "%s: argument number %zu does not decode.", member.c_str(),
-                                              arguments.size() + 1);
+            return answer(call, SD_BUS_ERROR_INVALID_ARGS,
+                          member + ": argument number " + std::to_string(arguments.size() + 1) + " does not decode.");
         }
         with_.handlers[static_cast<std::size_t>(method - with_.exported.methods.begin())](std::move(arguments));
-        unanswered_.emplace_back(sd_bus_message_ref(call));
-        if (unanswered_.size() == mostUnanswered) {
-            answer();
+        return answer(call);
+    }
+
+    /// Not sent at once: the library finds out by this that the bus has ended, and then reads no more, though there may
+    /// be calls that the bus had passed on before.
+    int answer(sd_bus_message* call, const char* error = nullptr, const std::string& why = {}) {
+        if (sd_bus_message_get_expect_reply(call) > 0) {
+            sd_bus_message* answer = nullptr;
+            error ? sd_bus_message_new_method_errorf(call, &answer, error, "%s", why.c_str())
+                  : sd_bus_message_new_method_return(call, &answer);
+            answers_.emplace_back(answer);
+        }
+        if (answers_.size() == mostAnswers) {
+            sendAnswers();
         }
         return 1;
+    }
+
+    void sendAnswers() {
+        for (const auto& answer : answers_) {
+            sd_bus_send(bus_.get(), answer.get(), nullptr);
+        }
+        answers_.clear();
     }
 
     const ServiceAddress address_;
@@ -390,9 +388,9 @@ private:
     bool isResumed_ = false;
     bool isRetired_ = false;
     std::string owner_;
-    std::set<std::string> peers_; ///< who has owned the name while messages were on their way
+    std::set<std::string, std::less<>> peers_; ///< who has owned the name while messages were on their way
     std::map<std::uint64_t, Pending> pending_;
-    std::vector<Handle<sd_bus_message>> unanswered_;
+    std::vector<Handle<sd_bus_message>> answers_; ///< to calls, in their order
     Handle<sd_bus> bus_;
 };
 
