@@ -218,7 +218,7 @@ std::set<Model> outcomes(const std::set<Model>& from, Moves moves) {
         for (const auto& move : independent) {
             move(model);
         }
-        visit({std::move(model), {}});
+        visit({model, {}});
     }
     while (!open.empty()) {
         const auto [model, done] = open.back();
@@ -276,7 +276,7 @@ private:
     struct Agent {
         Policy policy = Policy::yes;
         std::vector<std::shared_ptr<sd_bus_message>> held;
-        std::optional<BusPeer> peer; ///< everything above is its thread's while there is one
+        std::unique_ptr<BusPeer> peer; ///< everything above is its thread's while there is one
     };
 
     [[nodiscard]] std::size_t connections() const { return made_.size(); }
@@ -288,11 +288,11 @@ private:
     void startAgent(std::size_t index) {
         auto& agent = agents_[index];
         agent.policy = Policy::yes;
-        agent.peer.emplace(bus_.address(), [&agent](sd_bus_message* call) {
+        agent.peer = std::make_unique<BusPeer>(bus_.address(), [&agent](BusPeer& self, sd_bus_message* call) {
             if (sd_bus_message_is_method_call(call, nullptr, "agentState") == 0) {
                 return;
             }
-            const auto answer = [&](const char* text) { agent.peer->answer(call, "as", 1, text); };
+            const auto answer = [&](const char* text) { self.answer(call, "as", 1, text); };
             switch (agent.policy) {
             case Policy::yes:
                 return answer(R"({"active":true})");
@@ -302,7 +302,7 @@ private:
                 answer(R"({"active":true})");
                 return answer(R"({"active":false})");
             case Policy::none:
-                return agent.peer->answer(call, "as", 0);
+                return self.answer(call, "as", 0);
             case Policy::hold:
                 agent.held.emplace_back(sd_bus_message_ref(call), &sd_bus_message_unref);
                 return;
@@ -310,7 +310,7 @@ private:
                 sd_bus_reply_method_errorf(call, "com.example.Error", "no");
                 return;
             case Policy::wrongType:
-                return agent.peer->answer(call, "s", "text");
+                return self.answer(call, "s", "text");
             case Policy::undecodable:
                 return answer("{}");
             case Policy::count:
@@ -329,8 +329,8 @@ private:
     void startPeers() {
         startAgent(0);
         startAgent(1);
-        stranger_.emplace(bus_.address(), [this](sd_bus_message* call) {
-            if (sd_bus_message_get_sender(call) != stranger_->name()) {
+        stranger_ = std::make_unique<BusPeer>(bus_.address(), [this](BusPeer& self, sd_bus_message* call) {
+            if (sd_bus_message_get_sender(call) != self.name()) {
                 clients_.emplace_back(sd_bus_message_get_sender(call));
             }
         });
@@ -728,7 +728,7 @@ private:
     std::array<Agent, 2> agents_;
     std::vector<std::string> clients_; ///< connections' names; the stranger's thread's
     std::string client_;               ///< the name of the one that is alive
-    std::optional<BusPeer> stranger_;
+    std::unique_ptr<BusPeer> stranger_;
 
     tests::RecordedLog log_;
     std::size_t linesBefore_ = 0;

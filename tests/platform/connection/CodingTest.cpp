@@ -33,13 +33,12 @@ TEST(CodingTest, CarriesEveryPropertyListValueThereAndBack) {
     const tests::PrivateBus bus;
     setenv("DBUS_SYSTEM_BUS_ADDRESS", bus.address().c_str(), 1);
     // Hands the dictionary that it gets back to its caller, as it came over the bus.
-    std::optional<tests::BusPeer> service;
-    service.emplace(bus.address(), [&](sd_bus_message* call) {
+    tests::BusPeer service(bus.address(), [&](tests::BusPeer& self, sd_bus_message* call) {
         const std::string signature = sd_bus_message_get_signature(call, 1);
-        service->passOn(call, {sd_bus_message_get_sender(call), "/client", "org.example.Client", "take"});
-        service->answer(call, "s", signature.c_str());
+        self.passOn(call, {sd_bus_message_get_sender(call), "/client", "org.example.Client", "take"});
+        self.answer(call, "s", signature.c_str());
     });
-    service->run([&] { service->own("org.example.Service"); });
+    service.run([&] { service.own("org.example.Service"); });
 
     const auto sink = std::make_shared<Sink>();
     const auto connection = Connection::toService({"org.example.Service", "/service", "/client"});

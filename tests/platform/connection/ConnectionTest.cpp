@@ -13,7 +13,6 @@
 #include <iterator>
 #include <memory>
 #include <mutex>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -82,7 +81,7 @@ protected:
 
     /// Connects with a message that is not answered.
     void SetUp() override {
-        service_.emplace(bus_.address(), [this](sd_bus_message* call) {
+        service_ = std::make_unique<BusPeer>(bus_.address(), [this](BusPeer& /*self*/, sd_bus_message* call) {
             name_ = sd_bus_message_get_sender(call);
             received_->add(sd_bus_message_get_member(call));
         });
@@ -113,7 +112,7 @@ protected:
     tests::PrivateBus bus_;
     std::shared_ptr<Events> received_ = std::make_shared<Events>();
     std::string name_;
-    std::optional<BusPeer> service_;
+    std::unique_ptr<BusPeer> service_;
     std::shared_ptr<Client> client_ = std::make_shared<Client>();
     std::shared_ptr<Events> events_ = std::make_shared<Events>();
     std::shared_ptr<Connection> connection_;
