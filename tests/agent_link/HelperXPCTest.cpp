@@ -151,14 +151,6 @@ TEST_F(HelperXPCTest, RunsARegistrationOnTheReplacedConnectionForWhichItWasQueue
     EXPECT_EQ(events(agent, registered).size(), 1U);
 }
 
-TEST_F(HelperXPCTest, StaysUnconnectedWithoutABus) {
-    bus_.stop();
-    link_->connectToAgent();
-    EXPECT_EQ(link_->clientConnection(), nullptr);
-    EXPECT_THAT(log_.lines(),
-                ElementsAre("Helper XPC: Attempting to connect to agent", "Helper XPC: Failed to connect to agent"));
-}
-
 TEST_F(HelperXPCTest, ReportsAMissingServiceThroughEachErrorHandler) {
     link_->connectToAgent();
     ASSERT_TRUE(logged(proxyError));
@@ -182,23 +174,6 @@ TEST_F(HelperXPCTest, ReachesTheNextOwnerAfterAnInterruptionWithoutRegisteringAg
     EXPECT_THAT(events(*agent, "call "), ElementsAre(StartsWith(asked)));
     EXPECT_EQ(log_.count(interrupted), 1);
     EXPECT_EQ(log_.count(invalidated), 0);
-}
-
-TEST_F(ConnectedHelperXPCTest, TakesCallsFromANewOwnerAtOnce) {
-    const auto name = clientOf(agent_);
-    agent_.command("restart");
-    ASSERT_TRUE(agent_.waitForEvent("ready"));
-    agent_.command("updateProtectionStatus false @" + name);
-    EXPECT_EQ(agent_.waitForEvent("push-result"), "push-result updateProtectionStatus ok");
-    EXPECT_TRUE(waitUntil([&] { return !status_->status(); }));
-}
-
-TEST_F(ConnectedHelperXPCTest, IsInvalidatedWhenTheBusGoesAway) {
-    bus_.stop();
-    ASSERT_TRUE(logged(invalidated));
-    link_->requestAgentState();
-    EXPECT_TRUE(logged(proxyError));
-    EXPECT_TRUE(status_->status());
 }
 
 TEST_F(ConnectedHelperXPCTest, AnswersOnlyAReplyThatCarriesAState) {
@@ -229,9 +204,14 @@ TEST_F(HelperXPCTest, WaitsForALateReplyAndFailsOneThatCanNoLongerCome) {
     link_->connectToAgent();
     ASSERT_TRUE(agent.waitForEvent("held"));
     EXPECT_FALSE(status_->status());
+    // Who has given the name up may still answer what reached it.
+    agent.command("release");
+    ASSERT_TRUE(logged(interrupted));
     agent.command("answer");
     EXPECT_TRUE(waitUntil([&] { return status_->status(); }));
 
+    agent.command("acquire");
+    ASSERT_TRUE(agent.waitForEvent("ready"));
     agent.command("state never");
     link_->requestAgentState();
     ASSERT_TRUE(agent.waitForEvent(asked));
@@ -283,31 +263,6 @@ TEST_F(ConnectedHelperXPCTest, RefusesAStrangersCalls) {
     agent_.command("updateProtectionStatus false");
     EXPECT_THAT(agent_.waitForEvent("push-result").value_or(""), refused);
     EXPECT_EQ(log_.lines().size(), lines.size() + 1);
-    EXPECT_TRUE(status_->status());
-}
-
-TEST_F(ConnectedHelperXPCTest, DoesNothingOnTheOtherFiveCallsAndOnArgumentsThatDoNotDecode) {
-    const auto lines = log_.lines();
-    const std::string invalid = "error org.freedesktop.DBus.Error.InvalidArgs ";
-    const std::pair<const char*, std::string> cases[] = {
-        {"promptUserWithAboutFlow", "promptUserWithAboutFlow ok"},
-        {"updateRulesStatus", "updateRulesStatus ok"},
-        {"updateEventLogDefaults", "updateEventLogDefaults ok"},
-        {"updateGeoDataDefaults", "updateGeoDataDefaults ok"},
-        {"sendDefaultsToClientWith", "sendDefaultsToClientWith ok"},
-        {"updateProtectionStatus s:true", invalid + "updateProtectionStatus: argument isProtected does not decode."},
-        {"updateProtectionStatus -", invalid + "updateProtectionStatus: argument isProtected does not decode."},
-        {"updateProtectionStatus false false", invalid + "updateProtectionStatus: argument number 2 does not decode."},
-        {"updateEventLogDefaults v:x", invalid + "updateEventLogDefaults: argument defaults does not decode."},
-        {"promptUserWithAboutFlow a{sv}:{} d n t i i:1",
-         invalid + "promptUserWithAboutFlow: argument epoch does not decode."},
-    };
-    for (const auto& [command, answer] : cases) {
-        agent_.command(command);
-        EXPECT_THAT(agent_.waitForEvent("push-result").value_or(""), testing::HasSubstr(answer)) << command;
-    }
-    EXPECT_EQ(log_.lines(), lines);
-    EXPECT_EQ(notifications_, 1);
     EXPECT_TRUE(status_->status());
 }
 

@@ -152,21 +152,6 @@ TEST_F(QuorvaleHelperAppTest, RunsOnceInASession) {
     EXPECT_THAT(third.log(), ElementsAre("error Failed to start: the helper that already runs does not answer"));
 }
 
-TEST_F(QuorvaleHelperAppTest, RefusesAnActionThatItDoesNotHave) {
-    HelperProcess helper(systemBus_, sessionBus_);
-    ASSERT_TRUE(helper.logs("info Quorvale Helper launched"));
-    const auto bus =
-        QDBusConnection::connectToBus(QString::fromStdString(sessionBus_.address()), QStringLiteral("launcher"));
-    auto action = QDBusMessage::createMethodCall(
-        QStringLiteral("com.quorvale.QuorvaleHelper"), QStringLiteral("/com/quorvale/QuorvaleHelper"),
-        QStringLiteral("org.freedesktop.Application"), QStringLiteral("ActivateAction"));
-    for (const auto& [name, error] : {std::pair{"log", "org.freedesktop.DBus.Error.InvalidArgs"}, {"log-viewer", ""}}) {
-        action.setArguments({QString::fromLatin1(name), QVariantList(), QVariantMap()});
-        EXPECT_EQ(bus.call(action).errorName(), QString::fromLatin1(error));
-    }
-    QDBusConnection::disconnectFromBus(QStringLiteral("launcher"));
-}
-
 TEST_F(QuorvaleHelperAppTest, PassesItsLeaveToTakeTheFocusOnToTheOneThatRuns) {
     auto bus = QDBusConnection::connectToBus(QString::fromStdString(sessionBus_.address()), QStringLiteral("first"));
     FirstInstance first;
@@ -201,20 +186,6 @@ TEST_F(QuorvaleHelperAppTest, TakesNoArgumentsButTheToolkits) {
 
     HelperProcess helper(systemBus_, sessionBus_, toolkits);
     EXPECT_TRUE(helper.logs("info Quorvale Helper launched"));
-}
-
-TEST_F(QuorvaleHelperAppTest, RunsOnAfterNotificationsThatItCannotTake) {
-    HelperProcess helper(systemBus_, sessionBus_);
-    ASSERT_TRUE(helper.logs("info Quorvale Helper launched"));
-    helper.notify("{}");
-    helper.notify(R"({"running":"<b>yes</b>","restart":false,"terminate":false})");
-    helper.notify(R"({"running":true,"restart":false,"terminate":false})");
-    ASSERT_TRUE(helper.logs("info Received notification: true"));
-    const auto lines = helper.log();
-    EXPECT_THAT(std::vector(lines.begin() + 3, lines.end()),
-                ElementsAre(StartsWith("error Failed to decode the updater's notification: "),
-                            StartsWith("error Failed to decode the updater's notification: "),
-                            "info Received notification: true"));
 }
 
 } // namespace quorvale::app

@@ -140,6 +140,11 @@ TEST_F(HostilePeersTest, AnswersEveryWrongCallOfTheAgentAndOfStrangersWithTheRig
     expectAnswers(stranger, client, all, [&](const Call& call) { return answers(call, false); });
     std::erase_if(all, [](const Call& call) { return call.method == "updateProtectionStatus" && call.body == "b"; });
     expectAnswers(successor, client, all, [&](const Call& call) { return answers(call, true); });
+    for (const auto& [call, argument] :
+         {std::pair("promptUserWithAboutFlow a{sv}ssssi", "epoch"), {"updateRulesStatus bb", "number 2"}}) {
+        EXPECT_THAT(successor.obey("call " + client + ' ' + clientPath + ' ' + clientInterface + ' ' + call),
+                    testing::EndsWith(std::string(": argument ") + argument + " does not decode."));
+    }
     EXPECT_EQ(helper_.log(), before);
     EXPECT_TRUE(helper_.shows("Protected"));
 }

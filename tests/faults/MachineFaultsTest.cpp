@@ -2,6 +2,7 @@
 
 #include <QTemporaryDir>
 
+#include <filesystem>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
@@ -41,6 +42,16 @@ public:
     StoppedJournal(const StoppedJournal&) = delete;
     StoppedJournal& operator=(const StoppedJournal&) = delete;
 
+    /// What fitted in.
+    [[nodiscard]] std::string taken() const {
+        std::string fields;
+        char entry[4096];
+        for (ssize_t size = 0; (size = ::recv(socket_, entry, sizeof entry, MSG_DONTWAIT)) > 0;) {
+            fields.append(entry, static_cast<std::size_t>(size));
+        }
+        return fields;
+    }
+
     [[nodiscard]] std::string folder() const { return directory_.path().toStdString(); }
 
 private:
@@ -71,11 +82,34 @@ TEST_F(MachineFaultsTest, RunsOnWhenTheJournalStops) {
                       journal.folder()));
     outlivesItsLog(helper, sessionBus_);
     EXPECT_THAT(helper.log(), testing::IsEmpty());
+    const std::string ours = "\nSUBSYSTEM=com.quorvale.QuorvaleHelper\nCATEGORY=default\nFORMAT=";
+    EXPECT_THAT(journal.taken(),
+                testing::AllOf(testing::HasSubstr("PRIORITY=6" + ours + "Quorvale Helper Started...\nMESSAGE=Quorvale"),
+                               testing::HasSubstr("PRIORITY=3" + ours + "Failed to decode")));
 }
 
 TEST_F(MachineFaultsTest, RunsOnWhenNobodyReadsItsErrors) {
     HelperProcess helper(environment_, {}, {}, Process::ErrorOutput::Unread);
     outlivesItsLog(helper, sessionBus_);
+}
+
+TEST_F(MachineFaultsTest, RunsWithoutStandardDescriptors) {
+    AgentProcess agent(systemBus_, {"--state", active});
+    // Which of them are missing decides what would take the place of standard error.
+    for (const std::string missing : {"<&-", "2>&-", ">&- 2>&-", "<&- 2>&-", "<&- >&- 2>&-"}) {
+        SCOPED_TRACE(missing);
+        HelperProcess helper(environment_, {}, {"sh", "-c", R"(exec "$0" "$@" )" + missing});
+        ASSERT_TRUE(waitUntil([&] { return helper.icon().has_value(); }));
+        helper.notify(restart);
+        ASSERT_TRUE(agent.waitForEvent("replied "));
+        EXPECT_TRUE(helper.shows("Protected"));
+        const auto descriptors = "/proc/" + std::to_string(helper.process().id()) + "/fd/";
+        for (const auto* const standard : {"0", "1", "2"}) {
+            const auto file = std::filesystem::read_symlink(descriptors + standard).string();
+            EXPECT_TRUE(file == "/dev/null" || file.starts_with("pipe:")) << standard << " is " << file;
+        }
+        end(helper);
+    }
 }
 
 TEST_F(MachineFaultsTest, NeedsNoRoomAtHome) {

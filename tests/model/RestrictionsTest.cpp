@@ -31,26 +31,6 @@ TEST(RestrictionsTest, AreReadFromTheirObjectAndWrittenAsIt) {
     }
 }
 
-TEST(RestrictionsTest, ReportTheFirstMemberThatFails) {
-    const std::pair<const char*, const char*> cases[] = {
-        {"{}", "key not found (training) at top level: No value for this key."},
-        {R"({"training":true,"geographyLock":true,"allowLock":true})",
-         "key not found (denyLock) at top level: No value for this key."},
-        {R"({"training":true,"geographyLock":true})", "key not found (allowLock) at top level: No value for this key."},
-        {R"({"training":true,"geographyLock":true,"allowLock":1})",
-         "type mismatch (Bool) at allowLock: Expected Bool but found a number."},
-        {R"({"training":true,"geographyLock":true,"allowLock":"true","denyLock":7})",
-         "type mismatch (Bool) at allowLock: Expected Bool but found a string."},
-        {R"({"training":true,"geographyLock":true,"allowLock":null,"denyLock":true})",
-         "value not found (Bool) at allowLock: Expected Bool but found null."},
-    };
-    for (const auto& [text, description] : cases) {
-        const auto restrictions = JSONDecoder{}.decode<Restrictions>(text);
-        ASSERT_FALSE(restrictions) << text;
-        EXPECT_EQ(restrictions.error().description(), description) << text;
-    }
-}
-
 TEST(RestrictionsTest, AreDecodedWithoutAllocationOnceTheParserIsWarm) {
     const std::string text = R"({"training":true,"geographyLock":false,"allowLock":true,"denyLock":false})";
     ASSERT_TRUE(JSONDecoder{}.decode<Restrictions>(text));

@@ -2,15 +2,13 @@
 
 #include "support/waitUntil.hpp"
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include <thread>
-#include <vector>
 
 namespace quorvale::status {
 
 using platform::queue::MainQueue;
-using testing::ElementsAre;
 
 class StatusManagerTest : public testing::Test {
 protected:
@@ -42,17 +40,6 @@ TEST_F(StatusManagerTest, AppliesAValueOfAnyThreadLaterOnTheMainThread) {
     runQueuedWork();
     EXPECT_FALSE(manager_->status());
     EXPECT_EQ(notifiedOn, std::this_thread::get_id());
-}
-
-TEST_F(StatusManagerTest, NotifiesBeforeEachAssignmentAlsoOfAnEqualValue) {
-    std::vector<bool> before;
-    const auto subscription = manager_->objectWillChange([&] { before.push_back(manager_->status()); });
-    for (const bool value : {false, true, true, false}) {
-        manager_->setStatus(value);
-    }
-    runQueuedWork();
-    EXPECT_THAT(before, ElementsAre(false, false, true, true));
-    EXPECT_FALSE(manager_->status());
 }
 
 TEST_F(StatusManagerTest, LivesUntilItsQueuedValuesAreApplied) {

@@ -19,8 +19,11 @@ PrivateBus::PrivateBus(const std::string& unownableName) {
     directory_ = mkdtemp(pattern.data());
     std::ofstream(directory_ / "bus.conf")
         << "<busconfig><listen>" << address() << "</listen><auth>EXTERNAL</auth>"
+        << "<servicedir>" << directory_.string() << "</servicedir>"
         << R"(<policy context="default"><allow send_destination="*" eavesdrop="true"/>)"
         << R"(<allow eavesdrop="true"/><allow own="*"/><deny own=")" << unownableName << R"("/></policy></busconfig>)";
+    std::ofstream(directory_ / "unstartable.service")
+        << "[D-BUS Service]\nName=" << unstartableName << "\nExec=/bin/sh -c \"sleep 0.1; exit 1\"\n";
     start();
 }
 

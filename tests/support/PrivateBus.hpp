@@ -12,6 +12,9 @@ namespace quorvale::tests {
 class PrivateBus {
 public:
     explicit PrivateBus(const std::string& unownableName = {});
+
+    /// The bus starts a process for it, which ends soon without having taken the name.
+    static constexpr auto unstartableName = "org.example.Unstartable";
     ~PrivateBus();
     PrivateBus(const PrivateBus&) = delete;
     PrivateBus& operator=(const PrivateBus&) = delete;

@@ -2,6 +2,7 @@
 
 #include "platform/desktop/ActivationToken.hpp"
 #include "platform/log/Logger.hpp"
+#include "platform/log/UnifiedLog.hpp"
 
 #include <QApplication>
 #include <QDBusConnection>
@@ -21,6 +22,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <dbus/dbus.h>
+#include <fcntl.h>
 #include <malloc.h>
 #include <map>
 #include <mutex>
@@ -77,6 +79,18 @@ Door& door() {
     return instance;
 }
 
+/// Else the first that libraries open would take the place of the standard ones that the process was started without,
+/// and get what is written there: the session bus would get the log, and hang up.
+void openMissingStandardDescriptors() {
+    int descriptor = -1;
+    do {
+        descriptor = ::open("/dev/null", O_RDWR);
+    } while (descriptor >= 0 && descriptor <= STDERR_FILENO);
+    if (descriptor > STDERR_FILENO) {
+        ::close(descriptor);
+    }
+}
+
 int terminationRequested = -1;
 
 void requestTermination(int /*signal*/) {
@@ -87,18 +101,20 @@ void requestTermination(int /*signal*/) {
 /// Takes what the toolkit has to say, which is the last that is heard of it when the display ends: on X11 it then
 /// calls `exit`, on Wayland `_exit`. To watch the connection ourselves would be a race with it.
 void reportMessage(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message) {
-    if (const auto* const logger = door().toolkitLogger.load()) {
-        logger->info("%{public}s", message.toStdString());
-    } else {
+    const auto begins = [&](const char* text) { return message.startsWith(QLatin1String(text)); };
+    const bool isFatal = type == QtFatalMsg || begins("The Wayland connection experienced a fatal error");
+    const auto* const logger = door().toolkitLogger.load();
+    if (!logger) {
         // Whoever starts the program reads this; later a reader who stops must not stop us.
         std::fprintf(stderr, "%s\n", qPrintable(message));
+    } else if (!isFatal) {
+        const auto text = message.toStdString();
+        type == QtCriticalMsg ? logger->error("%{public}s", text) : logger->info("%{public}s", text);
     }
-    for (const auto* const end : {"The X11 connection broke", "The Wayland connection broke"}) {
-        if (message.startsWith(QLatin1String(end))) {
-            door().leave(EXIT_SUCCESS);
-        }
+    if (begins("The X11 connection broke") || begins("The Wayland connection broke")) {
+        door().leave(EXIT_SUCCESS);
     }
-    if (type == QtFatalMsg || message.startsWith(QLatin1String("The Wayland connection experienced a fatal error"))) {
+    if (isFatal) {
         // The toolkit would abort; a core dump would tell nobody anything.
         door().leaveFailing("The toolkit failed: " + message.toStdString());
     }
@@ -254,6 +270,7 @@ private:
 };
 
 Application::Application(int& argc, char** argv, const std::string& identifier) {
+    openMissingStandardDescriptors();
     // Left alone, the C library raises this limit to the largest block that was ever freed. What the log window frees,
     // tens of MiB at every closing, would then stay with the process.
     mallopt(M_MMAP_THRESHOLD, largestKeptBlock);

@@ -17,48 +17,39 @@ constexpr std::array variantContents{"s", "x", "d", "b", "ay", "(d)", "av", "a{s
 static_assert(variantContents.size() == std::variant_size_v<decltype(PropertyList::value)>);
 
 /// Appends a value, or a part of one.
-struct Append {
-    sd_bus_message* message;
-
-    bool operator()(const std::string& text) const { return sd_bus_message_append(message, "s", text.c_str()) >= 0; }
-
-    bool operator()(std::int64_t number) const { return sd_bus_message_append(message, "x", number) >= 0; }
-
-    bool operator()(double number) const { return sd_bus_message_append(message, "d", number) >= 0; }
-
-    bool operator()(bool value) const { return sd_bus_message_append(message, "b", int{value}) >= 0; }
-
-    bool operator()(Date date) const { return sd_bus_message_append(message, "(d)", date.secondsSince1970) >= 0; }
-
-    bool operator()(const std::vector<std::byte>& data) const {
-        return sd_bus_message_append_array(message, 'y', data.data(), data.size()) >= 0;
-    }
-
-    bool operator()(const PropertyList& list) const {
-        return inside('v', variantContents[list.value.index()], [&] { return std::visit(*this, list.value); });
-    }
-
-    bool operator()(const std::vector<PropertyList>& list) const {
-        return inside('a', "v", [&] { return std::ranges::all_of(list, *this); });
-    }
-
-    bool operator()(const Dictionary::value_type& member) const {
-        return inside('e', "sv", [&] { return (*this)(member.first) && (*this)(member.second); });
-    }
-
-    bool operator()(const Dictionary& dictionary) const {
-        return inside('a', "{sv}", [&] { return std::ranges::all_of(dictionary, *this); });
-    }
-
-    bool operator()(const std::optional<std::string>& text) const {
-        return inside('a', "s", [&] { return !text || (*this)(*text); });
-    }
-
-    [[nodiscard]] bool inside(char type, const char* contents, std::predicate auto fill) const {
+template <typename Part>
+bool appendPart(sd_bus_message* message, const Part& part) {
+    const auto appendNext = [message](const auto& next) { return appendPart(message, next); };
+    const auto appendInside = [message](char type, const char* contents, std::predicate auto fill) {
         return sd_bus_message_open_container(message, type, contents) >= 0 && fill() &&
                sd_bus_message_close_container(message) >= 0;
+    };
+    if constexpr (std::same_as<Part, std::string>) {
+        return !part.contains('\0') && sd_bus_message_append(message, "s", part.c_str()) >= 0;
+    } else if constexpr (std::same_as<Part, std::int64_t>) {
+        return sd_bus_message_append(message, "x", part) >= 0;
+    } else if constexpr (std::same_as<Part, double>) {
+        return sd_bus_message_append(message, "d", part) >= 0;
+    } else if constexpr (std::same_as<Part, bool>) {
+        return sd_bus_message_append(message, "b", int{part}) >= 0;
+    } else if constexpr (std::same_as<Part, Date>) {
+        return sd_bus_message_append(message, "(d)", part.secondsSince1970) >= 0;
+    } else if constexpr (std::same_as<Part, std::vector<std::byte>>) {
+        return sd_bus_message_append_array(message, 'y', part.data(), part.size()) >= 0;
+    } else if constexpr (std::same_as<Part, std::optional<std::string>>) {
+        return appendInside('a', "s", [&] { return !part || appendNext(*part); });
+    } else if constexpr (std::same_as<Part, PropertyList>) {
+        const auto* const contents = variantContents[part.value.index()];
+        return appendInside('v', contents, [&] { return std::visit(appendNext, part.value); });
+    } else if constexpr (std::same_as<Part, std::vector<PropertyList>>) {
+        return appendInside('a', "v", [&] { return std::ranges::all_of(part, appendNext); });
+    } else if constexpr (std::same_as<Part, Dictionary>) {
+        return appendInside('a', "{sv}", [&] { return std::ranges::all_of(part, appendNext); });
+    } else {
+        static_assert(std::same_as<Part, Dictionary::value_type>);
+        return appendInside('e', "sv", [&] { return appendNext(part.first) && appendNext(part.second); });
     }
-};
+}
 
 template <typename Result>
 constexpr auto as = [](auto&& value) { return Result{std::forward<decltype(value)>(value)}; };
@@ -85,6 +76,11 @@ std::optional<PropertyList> readInteger(sd_bus_message* message, char type) {
                ? std::optional(PropertyList{static_cast<std::int64_t>(*number)})
                : std::nullopt;
 }
+
+constexpr std::string_view integerTypes = "ynqiuxt";
+constexpr std::array integerReaders{readInteger<std::uint8_t>, readInteger<std::int16_t>,  readInteger<std::uint16_t>,
+                                    readInteger<std::int32_t>, readInteger<std::uint32_t>, readInteger<std::int64_t>,
+                                    readInteger<std::uint64_t>};
 
 /// Enters the container that comes next, has `readOne` read what it holds, one after the other, and leaves it.
 bool readContainer(sd_bus_message* message, char type, const char* contents, std::predicate auto readOne) {
@@ -138,6 +134,9 @@ std::optional<PropertyList> readElement(sd_bus_message* message) {
     const char* inside = nullptr;
     sd_bus_message_peek_type(message, &type, &inside);
     const std::string_view contents = inside ? inside : "";
+    if (const auto integer = integerTypes.find(type); integer != std::string_view::npos) {
+        return integerReaders[integer](message, type);
+    }
     switch (type) {
     case 's':
         return readText(message).transform(as<PropertyList>);
@@ -145,24 +144,16 @@ std::optional<PropertyList> readElement(sd_bus_message* message) {
         return readBoolean(message).transform(as<PropertyList>);
     case 'd':
         return readBasic<double>(message, type).transform(as<PropertyList>);
-    case 'y':
-        return readInteger<std::uint8_t>(message, type);
-    case 'n':
-        return readInteger<std::int16_t>(message, type);
-    case 'q':
-        return readInteger<std::uint16_t>(message, type);
-    case 'i':
-        return readInteger<std::int32_t>(message, type);
-    case 'u':
-        return readInteger<std::uint32_t>(message, type);
-    case 'x':
-        return readInteger<std::int64_t>(message, type);
-    case 't':
-        return readInteger<std::uint64_t>(message, type);
     case 'a':
-        return contents == "{sv}" ? readDictionary(message).transform(as<PropertyList>)
-               : contents == "y"  ? readData(message)
-                                  : readElements(message, type).transform(as<PropertyList>);
+        if (contents == "{sv}") {
+            return readDictionary(message).transform(as<PropertyList>);
+        }
+        if (contents == "y") {
+            return readData(message);
+        }
+        // An empty array is judged by its type, too.
+        return contents.find_first_of("{ogh") == 0 ? std::nullopt
+                                                   : readElements(message, type).transform(as<PropertyList>);
     case 'r':
         return contents != "d" ? std::nullopt : readElements(message, type).transform([](const auto& elements) {
             return PropertyList{Date{std::get<double>(elements.front().value)}};
@@ -177,7 +168,7 @@ std::optional<PropertyList> readElement(sd_bus_message* message) {
 } // namespace
 
 bool append(sd_bus_message* message, const Value& value) {
-    return std::visit(Append{message}, value);
+    return std::visit([message](const auto& part) { return appendPart(message, part); }, value);
 }
 
 std::optional<Value> read(sd_bus_message* message, Type type) {

@@ -6,13 +6,12 @@
 
 #include <algorithm>
 #include <array>
-#include <chrono>
-#include <climits>
 #include <cstdint>
 #include <cstdlib>
 #include <map>
 #include <mutex>
 #include <poll.h>
+#include <pthread.h>
 #include <set>
 #include <sys/eventfd.h>
 #include <system_error>
@@ -25,6 +24,7 @@ namespace quorvale::platform::connection {
 namespace {
 
 constexpr auto busName = "org.freedesktop.DBus";
+constexpr std::size_t mostUnanswered = 64;
 
 struct Release {
     void operator()(sd_bus* bus) const { sd_bus_close_unref(bus); }
@@ -113,6 +113,9 @@ public:
     void resume(Configuration configuration) {
         with_ = std::move(configuration);
         isResumed_ = true;
+        if (!bus_) {
+            tellOfEnd();
+        }
     }
 
     void send(const std::string& interface, const Method& method, const std::vector<Value>& arguments,
@@ -151,9 +154,10 @@ public:
         };
         // The bus deals with messages in their order: when it answers this one, it has delivered the one before, or has
         // sent it back already, or keeps it for a service that it starts.
-        askBus("GetId", "", "", [this, delivered = *sent](sd_bus_message* /*answer*/) {
-            if (const auto message = pending_.find(delivered); message != pending_.end()) {
-                message->second.onEnd = {};
+        askBus("GetId", "", "", [this, taken = *sent](sd_bus_message* /*answer*/) {
+            if (const auto message = pending_.find(taken); message != pending_.end()) {
+                message->second.isWithBus = true;
+                forgetDelivered();
             }
         });
     }
@@ -168,9 +172,8 @@ public:
                 message.onEnd(disconnected());
             }
         }
-        if (const auto ended = std::exchange(with_, {}).onInvalidation) {
-            ended();
-        }
+        unanswered_.clear();
+        tellOfEnd();
     }
 
 private:
@@ -178,18 +181,26 @@ private:
     struct Pending {
         std::function<void(sd_bus_message*)> onAnswer;
         ErrorHandler onEnd;
+        bool isWithBus = false; ///< one-way, and delivered unless the bus still waits for an owner
     };
+
+    void tellOfEnd() {
+        if (const auto handler = std::exchange(with_, {}).onInvalidation) {
+            handler();
+        }
+    }
 
     explicit Channel(ServiceAddress address) : address_(std::move(address)), bus_(openSystemBus()) {}
 
     static Error disconnected() { return {SD_BUS_ERROR_DISCONNECTED, "The connection was invalidated."}; }
 
     void run() {
+        ::pthread_setname_np(::pthread_self(), "agent link");
         while (!isRetired_) {
             const auto processed = bus_ && isResumed_ ? sd_bus_process(bus_.get(), nullptr) : 0;
             if (processed < 0) {
                 becomeInvalid();
-            } else if (processed == 0) {
+            } else if (processed == 0 && !answer()) {
                 wait();
             }
             for (auto& work : takePosted()) {
@@ -197,6 +208,16 @@ private:
             }
         }
         delete this;
+    }
+
+    /// Answers the calls that were taken; whether there were any. Not at once: the library finds out by this that the
+    /// bus has ended, and then reads no more, though there may be calls that the bus had passed on before.
+    bool answer() {
+        const auto calls = std::exchange(unanswered_, {});
+        for (const auto& call : calls) {
+            sd_bus_reply_method_return(call.get(), "");
+        }
+        return !calls.empty();
     }
 
     std::vector<Work> takePosted() {
@@ -207,15 +228,13 @@ private:
     /// Until something was posted, or the bus has something or takes something.
     void wait() const {
         std::array descriptors{pollfd{wakeUp_, POLLIN, 0}, pollfd{-1, 0, 0}};
-        std::uint64_t deadline = UINT64_MAX; // of the monotonic clock, in microseconds
+        int limit = -1;
         if (bus_ && isResumed_) {
             descriptors[1] = {sd_bus_get_fd(bus_.get()), static_cast<short>(sd_bus_get_events(bus_.get())), 0};
-            sd_bus_get_timeout(bus_.get(), &deadline);
+            // The library has a time limit to look at until it is let in.
+            limit = sd_bus_is_ready(bus_.get()) > 0 ? -1 : 1000;
         }
-        using namespace std::chrono;
-        const auto left = microseconds(deadline) - steady_clock::now().time_since_epoch();
-        const auto limit = std::clamp<std::int64_t>(ceil<milliseconds>(left).count(), 0, INT_MAX);
-        ::poll(descriptors.data(), descriptors.size(), deadline == UINT64_MAX ? -1 : static_cast<int>(limit));
+        ::poll(descriptors.data(), descriptors.size(), limit);
         eventfd_t count = 0;
         ::eventfd_read(wakeUp_, &count);
     }
@@ -224,7 +243,9 @@ private:
     bool watchService() {
         const auto rule =
             "type='signal',sender='org.freedesktop.DBus',member='NameOwnerChanged',arg0='" + address_.name + '\'';
-        sd_bus_add_filter(bus_.get(), nullptr, receive, this);
+        if (sd_bus_add_filter(bus_.get(), nullptr, receive, this) < 0) {
+            return false;
+        }
         askBus("AddMatch", "s", rule, [this](sd_bus_message* answer) {
             if (isError(answer)) {
                 becomeInvalid();
@@ -289,12 +310,23 @@ private:
         return 1;
     }
 
+    void forgetDelivered() {
+        for (auto& [serial, message] : pending_) {
+            if (message.isWithBus && !owner_.empty()) {
+                message.onEnd = {};
+            }
+        }
+    }
+
     void setOwner(const char* owner) {
         if (pending_.empty()) {
             peers_.clear();
         }
         const auto previous = std::exchange(owner_, owner);
-        peers_.insert(owner_);
+        if (!owner_.empty()) {
+            peers_.insert(owner_);
+            forgetDelivered();
+        }
         if (!previous.empty() && previous != owner_ && with_.onInterruption) {
             with_.onInterruption();
         }
@@ -342,7 +374,11 @@ private:
                                               arguments.size() + 1);
         }
         with_.handlers[static_cast<std::size_t>(method - with_.exported.methods.begin())](std::move(arguments));
-        return sd_bus_reply_method_return(call, "");
+        unanswered_.emplace_back(sd_bus_message_ref(call));
+        if (unanswered_.size() == mostUnanswered) {
+            answer();
+        }
+        return 1;
     }
 
     const ServiceAddress address_;
@@ -356,6 +392,7 @@ private:
     std::string owner_;
     std::set<std::string> peers_; ///< who has owned the name while messages were on their way
     std::map<std::uint64_t, Pending> pending_;
+    std::vector<Handle<sd_bus_message>> unanswered_;
     Handle<sd_bus> bus_;
 };
 

@@ -83,7 +83,7 @@ private:
 ///
 /// Interruption: the name lost its owner; later messages reach the next owner. Invalidation: the connection is
 /// finished, because of `invalidate`, because the name has no owner and can't be activated, or because the bus went
-/// away or did not let the connection in within libsystemd's time limits, 90 seconds at most.
+/// away or did not let the connection in within libsystemd's time limits, about two minutes.
 ///
 /// Configure it before `resume`, on one thread. No operation waits for the bus; those that are not configuration may be
 /// called from any thread. Dropping the last reference, of its proxies too, ends the connection without the

@@ -1,5 +1,6 @@
 #include "platform/log/UnifiedLog.hpp"
 
+#include <algorithm>
 #include <cstdlib>
 #include <future>
 #include <string>
@@ -14,6 +15,10 @@ namespace {
 /// How long the drain lets messages gather before it looks for more: under load one call of the output takes what was
 /// written meanwhile, and nobody who writes has to wake the drain up.
 constexpr auto gathering = 1ms;
+
+/// A wait in one piece would be over once the process, stopped or short of processors, runs again, and the drain might
+/// not have had its turn. Of short pieces, that takes one.
+constexpr std::chrono::milliseconds pieceOfWait{10};
 
 void flushShared() {
     UnifiedLog::shared().flush(UnifiedLog::longestFlushAtTheEnd);
@@ -72,9 +77,11 @@ bool UnifiedLog::flush(std::chrono::milliseconds limit) {
     startDrain();
     ++flushing_;
     changed_.notify_all();
-    const bool isWritten = changed_.wait_for(lock, limit, hasAll);
+    for (auto left = limit; left > 0ms && !hasAll(); left -= pieceOfWait) {
+        changed_.wait_for(lock, std::min(left, pieceOfWait), hasAll);
+    }
     --flushing_;
-    return isWritten;
+    return hasAll();
 }
 
 void UnifiedLog::startDrain() {

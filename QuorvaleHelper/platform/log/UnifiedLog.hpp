@@ -41,8 +41,8 @@ public:
     /// for the next one.
     void write(const Entry& entry);
 
-    /// Waits until the output has had every message written before the call, but not longer than `limit`; whether it
-    /// has. Any thread but the output's.
+    /// Waits until the output has had every message written before the call, but not longer than `limit`, in which the
+    /// process's own standing still does not count; whether it has. Any thread but the output's.
     bool flush(std::chrono::milliseconds limit);
 
     EntryStore& store() { return store_; }

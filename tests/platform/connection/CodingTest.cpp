@@ -3,6 +3,7 @@
 #include "support/PrivateBus.hpp"
 #include "support/blockUntil.hpp"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -10,6 +11,8 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace quorvale::platform::connection {
 
@@ -33,10 +36,13 @@ TEST(CodingTest, CarriesEveryPropertyListValueThereAndBack) {
     const tests::PrivateBus bus;
     setenv("DBUS_SYSTEM_BUS_ADDRESS", bus.address().c_str(), 1);
     // Hands the dictionary that it gets back to its caller, as it came over the bus.
+    int answers = 0;
+    std::string client;
     tests::BusPeer service(bus.address(), [&](tests::BusPeer& self, sd_bus_message* call) {
         const std::string signature = sd_bus_message_get_signature(call, 1);
-        self.passOn(call, {sd_bus_message_get_sender(call), "/client", "org.example.Client", "take"});
-        self.answer(call, "s", signature.c_str());
+        client = sd_bus_message_get_sender(call);
+        self.passOn(call, {client, "/client", nullptr, "take"});
+        self.answer(call, answers++ == 0 ? "s" : "ss", signature.c_str(), "more");
     });
     service.run([&] { service.own("org.example.Service"); });
 
@@ -59,14 +65,32 @@ TEST(CodingTest, CarriesEveryPropertyListValueThereAndBack) {
         {"integer", {std::int64_t{1} << 62}},
         {"text", {std::string("plain")}},
     };
-    std::atomic<bool> failed = false;
+    std::atomic<int> failures = 0;
     std::atomic<bool> replied = false;
-    connection->remoteObjectProxyWithErrorHandler([&](const Error&) { failed = true; })
-        .send(storeIt, [&](const std::string& signature) { replied = signature == "a{sv}"; }, values);
+    const auto proxy = connection->remoteObjectProxyWithErrorHandler([&](const Error&) { ++failures; });
+    proxy.send(storeIt, [&](const std::string& signature) { replied = signature == "a{sv}"; }, values);
 
     EXPECT_TRUE(tests::blockUntil([&] { return replied && sink->done; }));
     EXPECT_EQ(sink->taken, values);
-    EXPECT_FALSE(failed);
+    EXPECT_EQ(failures, 0);
+    proxy.send(storeIt, [&](const std::string&) { replied = false; }, {});
+    EXPECT_TRUE(tests::blockUntil([&] { return failures == 1; })) << "there is more in the reply";
+    EXPECT_TRUE(replied);
+
+    std::vector<std::string> errors;
+    std::atomic<std::size_t> taken = 0;
+    service.run([&] {
+        const tests::BusPeer::Method take{client, "/client", nullptr, "take"};
+        const auto note = [&](std::string_view error) {
+            errors.emplace_back(error);
+            taken = errors.size();
+        };
+        service.call(take, note, "a{sv}", 2, "byte", "y", 7, "word", "u", 7);
+        service.call(take, note, "a{sv}", 1, "too large", "t", UINT64_MAX);
+        service.call(take, note, "a{sv}", 1, "no date", "(s)", "x");
+    });
+    EXPECT_TRUE(tests::blockUntil([&] { return taken == 3; }));
+    EXPECT_THAT(errors, testing::UnorderedElementsAre("", SD_BUS_ERROR_INVALID_ARGS, SD_BUS_ERROR_INVALID_ARGS));
 }
 
 } // namespace quorvale::platform::connection

@@ -84,6 +84,9 @@ protected:
         service_ = std::make_unique<BusPeer>(bus_.address(), [this](BusPeer& /*self*/, sd_bus_message* call) {
             name_ = sd_bus_message_get_sender(call);
             received_->add(sd_bus_message_get_member(call));
+            if (refusesNext_.exchange(false)) {
+                sd_bus_reply_method_errorf(call, SD_BUS_ERROR_FAILED, "Told in vain.");
+            }
         });
         service_->run([this] { service_->own(serviceName); });
         connection_ = Connection::toService({serviceName, "/service", "/client"});
@@ -112,6 +115,7 @@ protected:
     tests::PrivateBus bus_;
     std::shared_ptr<Events> received_ = std::make_shared<Events>();
     std::string name_;
+    std::atomic<bool> refusesNext_ = false;
     std::unique_ptr<BusPeer> service_;
     std::shared_ptr<Client> client_ = std::make_shared<Client>();
     std::shared_ptr<Events> events_ = std::make_shared<Events>();
@@ -119,6 +123,10 @@ protected:
 };
 
 TEST_F(ConnectionTest, TakesNoCallThatWasOnItsWayWhenItWasInvalidated) {
+    // Of no account, since the bus has passed it on.
+    service().send(tell);
+    service().send(ask, [](bool) {});
+    ASSERT_TRUE(blockUntil([&] { return received_->all().size() == 3; }));
     callClient("hold", [](std::string_view) {});
     ASSERT_TRUE(blockUntil([&] { return client_->held.load(); }));
     connection_->invalidate();
@@ -130,7 +138,8 @@ TEST_F(ConnectionTest, TakesNoCallThatWasOnItsWayWhenItWasInvalidated) {
     ASSERT_TRUE(blockUntil([&] { return !answers.all().empty(); }));
     EXPECT_THAT(answers.all(), ElementsAre("org.freedesktop.DBus.Error.NoReply"));
     EXPECT_FALSE(client_->pushed);
-    EXPECT_THAT(events_->all(), ElementsAre(disconnected, invalidated));
+    ASSERT_TRUE(blockUntil([&] { return events_->all().size() >= 3; }));
+    EXPECT_THAT(events_->all(), ElementsAre(disconnected, disconnected, invalidated));
 }
 
 TEST_F(ConnectionTest, FailsAnUnansweredMessageButIsNotInvalidatedWhenTheLastReferenceGoes) {
@@ -140,9 +149,11 @@ TEST_F(ConnectionTest, FailsAnUnansweredMessageButIsNotInvalidatedWhenTheLastRef
 }
 
 TEST_F(ConnectionTest, FailsAOneWayMessageThatWasNotDeliveredOrIsNotKnownToBe) {
-    // Delivered: whatever becomes of the service afterwards is of no account.
+    // Delivered: what the service says to it, and whatever becomes of the service afterwards, is of no account.
+    refusesNext_ = true;
     service().send(tell);
-    ASSERT_TRUE(blockUntil([&] { return received_->all().size() == 2; }));
+    service().send(tell);
+    ASSERT_TRUE(blockUntil([&] { return received_->all().size() == 3; }));
     service_.reset();
     ASSERT_TRUE(blockUntil([&] { return events_->all().size() == 1; }));
     EXPECT_THAT(events_->all(), ElementsAre("failed: org.freedesktop.DBus.Error.NoReply")) << "the request";
@@ -157,6 +168,27 @@ TEST_F(ConnectionTest, FailsAOneWayMessageThatWasNotDeliveredOrIsNotKnownToBe) {
     ASSERT_TRUE(blockUntil([&] { return events_->all().size() == 4; }));
     bus_.goOn();
     EXPECT_THAT(events_->all(), ElementsAre(testing::_, testing::_, disconnected, invalidated));
+}
+
+TEST_F(ConnectionTest, FailsAOneWayMessageThatTheBusKeptForAServiceThatDoesNotStart) {
+    connection_ = Connection::toService({tests::PrivateBus::unstartableName, "/service", "/client"});
+    connection_->setRemoteObjectInterface({serviceName, {describe(tell)}});
+    connection_->setInvalidationHandler([events = events_] { events->add(invalidated); });
+    connection_->resume();
+    service().send(tell);
+    ASSERT_TRUE(blockUntil([&] { return events_->all().size() == 3; }));
+    EXPECT_THAT(events_->all(), ElementsAre(disconnected, testing::StartsWith("failed: "), invalidated));
+}
+
+TEST_F(ConnectionTest, TakesTheCallsThatTheBusHadPassedOnBeforeItEnded) {
+    callClient("hold", [](std::string_view) {});
+    ASSERT_TRUE(blockUntil([&] { return client_->held.load(); }));
+    callClient("push", [](std::string_view) {});
+    bus_.stop();
+    client_->release();
+    ASSERT_TRUE(blockUntil([&] { return events_->all().size() == 2; }));
+    EXPECT_TRUE(client_->pushed);
+    EXPECT_THAT(events_->all(), ElementsAre(disconnected, invalidated));
 }
 
 TEST_F(ConnectionTest, EndsItsThreadWhenTheLastReferenceGoes) {

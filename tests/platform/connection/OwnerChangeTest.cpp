@@ -22,6 +22,7 @@ struct Client {
     void push() { ++pushes; }
 
     std::atomic<int> pushes = 0;
+    std::atomic<int> interruptions = 0;
 };
 
 } // namespace
@@ -71,6 +72,7 @@ TEST(OwnerChangeTest, TakesTheFirstCallOfAnOwnerThatComesWhileTheConnectionResum
             connection->setRemoteObjectInterface({"org.example.Service", {describe(registration)}});
             connection->setExportedInterface(
                 ExportedInterface<Client>("org.example.Client").method(OneWay<>{"push", {}}, &Client::push), client);
+            connection->setInterruptionHandler([client] { ++client->interruptions; });
             connection->resume();
             connection->remoteObjectProxyWithErrorHandler([](const Error&) {}).send(registration);
         }
@@ -80,6 +82,7 @@ TEST(OwnerChangeTest, TakesTheFirstCallOfAnOwnerThatComesWhileTheConnectionResum
     }
     EXPECT_EQ(refused, 0) << "of " << changes << " calls of a new owner";
     EXPECT_EQ(client->pushes, changes);
+    EXPECT_EQ(client->interruptions, changes);
 }
 
 } // namespace quorvale::platform::connection
