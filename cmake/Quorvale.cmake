@@ -27,12 +27,13 @@ function(quorvale_library name)
   target_link_libraries(${name} PUBLIC quorvale_options ${arg_LINKS} PRIVATE ${arg_PRIVATE_LINKS})
 endfunction()
 
-# quorvale_test(name SOURCES file... LINKS target... [PLAIN | WIDGETS] [TIMEOUT seconds] [DEPENDS target...])
+# quorvale_test(name SOURCES file... LINKS target... [PLAIN | WIDGETS] [SERIAL] [TIMEOUT seconds] [DEPENDS target...])
 # One GoogleTest program, one CTest entry for each of its tests. Its main() runs a QCoreApplication, with
 # WIDGETS a QApplication on Qt's offscreen platform. One that is PLAIN has nothing of the toolkit, so that the thread
-# sanitizer understands all of it; the target plain_tests builds these.
+# sanitizer understands all of it; the target plain_tests builds these. One that is SERIAL makes or forbids load: it has
+# the machine to itself.
 function(quorvale_test name)
-  cmake_parse_arguments(arg "PLAIN;WIDGETS" "TIMEOUT" "SOURCES;LINKS;DEPENDS" ${ARGN})
+  cmake_parse_arguments(arg "PLAIN;SERIAL;WIDGETS" "TIMEOUT" "SOURCES;LINKS;DEPENDS" ${ARGN})
   add_executable(${name} ${arg_SOURCES})
   target_link_libraries(${name} PRIVATE ${arg_LINKS} GTest::gmock)
   if(arg_PLAIN)
@@ -51,5 +52,5 @@ function(quorvale_test name)
     set(arg_TIMEOUT 60)
   endif()
   gtest_discover_tests(${name} TEST_PREFIX "${name}." DISCOVERY_TIMEOUT 60
-    PROPERTIES TIMEOUT ${arg_TIMEOUT} LABELS "$<$<BOOL:${arg_PLAIN}>:plain>")
+    PROPERTIES TIMEOUT ${arg_TIMEOUT} RUN_SERIAL ${arg_SERIAL} LABELS "$<$<BOOL:${arg_PLAIN}>:plain>")
 endfunction()

@@ -4,6 +4,7 @@
 #include <QString>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <fstream>
 #include <iostream>
 #include <iterator>
@@ -63,6 +64,35 @@ TEST(DigestHelpersTest, GiveTheDigestsOfThePublishedVectors) {
     checkMessages("MD5/rfc-1321.txt", md5Hex, 7);
     checkMessages("SHA2/SHA256ShortMsg.rsp", sha256Hex, 65);
     checkMessages("SHA2/SHA256LongMsg.rsp", sha256Hex, 64);
+}
+
+TEST(DigestHelpersTest, GiveTheDigestsOfTheMonteCarloVectors) {
+    std::size_t count = 0;
+    std::string seed;
+    for (const auto& [name, value] : vectorsIn("SHA2/SHA256Monte.rsp")) {
+        if (name == "Seed") {
+            seed = bytesOf(value);
+        } else if (name == "MD") {
+            std::array last{seed, seed, seed};
+            for (int round = 0; round < 1000; ++round) {
+                last = {last[1], last[2], bytesOf(sha256Hex(last[0] + last[1] + last[2]))};
+            }
+            seed = last[2];
+            ASSERT_EQ(seed, bytesOf(value)) << "vector " << count;
+            ++count;
+        }
+    }
+    EXPECT_EQ(count, 100U);
+    std::cout << "SHA2/SHA256Monte.rsp: " << count << " vectors\n";
+}
+
+TEST(DigestHelpersTest, HashTheBytesAsTheyStand) {
+    using namespace std::string_view_literals;
+    EXPECT_EQ(md5Hex("\xC3\xA9"), "66ddcd97cfdeabb2f6fb8a999b4bc76f");
+    EXPECT_NE(md5Hex("e\xCC\x81"), md5Hex("\xC3\xA9"));
+    EXPECT_EQ(sha256Hex("abc"), "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
+    EXPECT_NE(sha256Hex("a\0b"sv), sha256Hex("a"sv));
+    EXPECT_NE(sha256Hex("\uFEFFabc"), sha256Hex("abc"));
 }
 
 TEST(DigestHelpersTest, FindEveryCharacterOfUnicodesBreakTest) {

@@ -42,6 +42,10 @@ Process::Process(const Launch& launch) {
     }
     process_.setChildProcessModifier([input = pipe[1]] {
         prctl(PR_SET_PDEATHSIG, SIGKILL);
+        // Whoever runs the tests in the background may have them ignored.
+        for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
+            std::signal(signal, SIG_DFL);
+        }
         if (input >= 0) {
             dup2(input, STDERR_FILENO);
         }
