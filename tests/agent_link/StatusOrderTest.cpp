@@ -12,7 +12,6 @@
 #include <chrono>
 #include <cstdlib>
 #include <memory>
-#include <optional>
 #include <vector>
 
 namespace quorvale::agent_link {
@@ -25,22 +24,21 @@ TEST(StatusOrderTest, AppliesAReplyAndThePushBehindItInTheOrderInWhichTheAgentSe
     const tests::PrivateBus bus;
     setenv("DBUS_SYSTEM_BUS_ADDRESS", bus.address().c_str(), 1);
 
-    std::optional<tests::BusPeer> agent;
-    agent.emplace(bus.address(), [&](sd_bus_message* call) {
+    tests::BusPeer agent(bus.address(), [&](tests::BusPeer& self, sd_bus_message* call) {
         if (sd_bus_message_is_method_call(call, nullptr, "agentState") > 0) {
-            agent->answer(call, "as", 1, R"({"active":false})");
-            agent->call({.destination = sd_bus_message_get_sender(call),
-                         .path = service.clientObjectPath.c_str(),
-                         .interface = "com.quorvale.ClientCommunication",
-                         .name = "updateProtectionStatus"},
-                        {}, "b", 1);
+            self.answer(call, "as", 1, R"({"active":false})");
+            self.call({.destination = sd_bus_message_get_sender(call),
+                       .path = service.clientObjectPath.c_str(),
+                       .interface = "com.quorvale.ClientCommunication",
+                       .name = "updateProtectionStatus"},
+                      {}, "b", 1);
         }
     });
-    agent->run([&] { agent->own(service.name); });
+    agent.run([&] { agent.own(service.name); });
 
     const tests::RecordedLog log;
     platform::queue::MainQueue mainQueue;
-    const auto status = std::make_shared<status::StatusManager>(mainQueue);
+    auto status = std::make_shared<status::StatusManager>(mainQueue);
     const auto link = std::make_shared<HelperXPC>(HelperXPC::Collaborators{
         .mainQueue = mainQueue,
         .logger = log.logger(),

@@ -26,7 +26,8 @@ BusPeer::BusPeer(const std::string& address, CallHandler onCall)
         const auto take = [](sd_bus_message* message, void* self, sd_bus_error* /*error*/) {
             const auto isCall = sd_bus_message_is_method_call(message, nullptr, nullptr) > 0;
             if (isCall) {
-                static_cast<BusPeer*>(self)->onCall_(message);
+                auto& peer = *static_cast<BusPeer*>(self);
+                peer.onCall_(peer, message);
             }
             return int{isCall};
         };

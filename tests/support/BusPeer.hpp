@@ -16,7 +16,7 @@ namespace quorvale::tests {
 class BusPeer {
 public:
     using Work = std::move_only_function<void()>;
-    using CallHandler = std::function<void(sd_bus_message* call)>;
+    using CallHandler = std::function<void(BusPeer& self, sd_bus_message* call)>;
     /// Gets the name of the error that a call was answered with; an empty one if it succeeded.
     using Outcome = std::function<void(std::string_view error)>;
 

@@ -81,7 +81,7 @@ protected:
 
     /// Connects with a message that is not answered.
     void SetUp() override {
-        service_ = std::make_unique<BusPeer>(bus_.address(), [this](sd_bus_message* call) {
+        service_ = std::make_unique<BusPeer>(bus_.address(), [this](BusPeer& /*self*/, sd_bus_message* call) {
             name_ = sd_bus_message_get_sender(call);
             received_->add(sd_bus_message_get_member(call));
             if (refusesNext_.exchange(false)) {

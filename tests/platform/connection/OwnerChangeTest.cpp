@@ -7,7 +7,7 @@
 
 #include <atomic>
 #include <cstdlib>
-#include <optional>
+#include <memory>
 #include <semaphore>
 #include <string>
 #include <vector>
@@ -33,14 +33,14 @@ TEST(OwnerChangeTest, TakesTheFirstCallOfAnOwnerThatComesWhileTheConnectionResum
     const tests::PrivateBus bus;
     setenv("DBUS_SYSTEM_BUS_ADDRESS", bus.address().c_str(), 1);
 
-    std::optional<tests::BusPeer> agents[2];
+    std::unique_ptr<tests::BusPeer> agents[2];
     std::counting_semaphore<> answered(0);
     std::atomic<int> refused = 0;
     // Whoever is called hands the name over, and the next owner calls back with the message after the one by which it
     // gets the name.
     for (auto& agent : agents) {
         auto& next = agents[&agent == &agents[0] ? 1 : 0];
-        agent.emplace(bus.address(), [&](sd_bus_message* call) {
+        agent = std::make_unique<tests::BusPeer>(bus.address(), [&](tests::BusPeer& /*self*/, sd_bus_message* call) {
             next->post([&, client = std::string(sd_bus_message_get_sender(call)),
                         name = std::string(sd_bus_message_get_destination(call))] {
                 next->own(name);
