@@ -411,11 +411,11 @@ private:
             }
             if (choice < 18) {
                 note(name + " takes the name");
-                agent.peer->post([&] { agent.peer->own(HelperXPC::agentService().name); });
+                agent.peer->post([&peer = *agent.peer] { peer.own(HelperXPC::agentService().name); });
                 ofAgent.emplace_back([=](Model& model) { model.setOwner(index); });
             } else if (choice < 20) {
                 note(name + " releases the name");
-                agent.peer->post([&] { agent.peer->release(HelperXPC::agentService().name); });
+                agent.peer->post([&peer = *agent.peer] { peer.release(HelperXPC::agentService().name); });
                 ofAgent.emplace_back([=](Model& model) {
                     if (model.owner == index) {
                         model.setOwner({});
@@ -428,18 +428,18 @@ private:
                 ofAgent.emplace_back([=](Model& model) { model.agents[index].policy = policy; });
             } else if (choice < 28) {
                 note(name + " answers what it holds" + text);
-                agent.peer->post([&agent, value] {
+                agent.peer->post([&agent, &peer = *agent.peer, value] {
                     for (const auto& call : std::exchange(agent.held, {})) {
-                        agent.peer->answer(call.get(), "as", 1, value ? R"({"active":true})" : R"({"active":false})");
+                        peer.answer(call.get(), "as", 1, value ? R"({"active":true})" : R"({"active":false})");
                     }
                 });
                 ofAgent.emplace_back([=](Model& model) { model.answerHeld(index, value); });
             } else if (knownConnection_ == connections() && connections() > 0) {
                 const auto isStranger = choice < 30;
                 note((isStranger ? "a stranger" : name) + " pushes" + text);
-                auto& peer = isStranger ? stranger_ : agent.peer;
-                peer->post(
-                    [&peer, client = client_, value] { callClient(*peer, client, "updateProtectionStatus", value); });
+                auto& peer = *(isStranger ? stranger_ : agent.peer);
+                peer.post(
+                    [&peer, client = client_, value] { callClient(peer, client, "updateProtectionStatus", value); });
                 if (!isStranger) {
                     ofAgent.emplace_back([=](Model& model) { model.push(index, newest, value); });
                 }
@@ -784,7 +784,11 @@ TEST(LinkHistoryTest, LogsAndAppliesWhatTheModelAllows) {
     auto left = static_cast<int>(setting("QUORVALE_EVENTS", 10'000));
     for (; left > 0 && !HasFailure(); left -= eventsOfOne, ++seed) {
         SCOPED_TRACE("QUORVALE_SEED=" + std::to_string(seed));
-        const World world(seed, std::min(left, eventsOfOne));
+        auto world = std::make_unique<World>(seed, std::min(left, eventsOfOne));
+        if (HasFailure()) {
+            // What went wrong may still be at work on it.
+            std::ignore = world.release();
+        }
     }
 }
 
