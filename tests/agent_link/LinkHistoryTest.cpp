@@ -60,6 +60,7 @@ struct Model {
         auto operator<=>(const Agent&) const = default;
     };
 
+    bool hasBus = true;
     std::optional<std::size_t> owner;
     std::vector<Link> links; ///< the connections that there have been
     std::array<Agent, 2> agents;
@@ -80,6 +81,9 @@ struct Model {
     }
 
     void setOwner(std::optional<std::size_t> next) {
+        if (!hasBus) {
+            return;
+        }
         for (const auto& link : links) {
             if (owner && owner != next && (link.phase == Phase::live || link.phase == Phase::starting)) {
                 log("Helper XPC: Connection interrupted");
@@ -532,6 +536,7 @@ private:
             }
             model.crash(0);
             model.crash(1);
+            model.hasBus = false;
         });
     }
 
@@ -601,15 +606,19 @@ private:
 
     /// How many events there were.
     int step() {
+        const auto before = history_.size();
+        Moves moves;
         if (!isBusUp_ && pick(3) == 0) {
             note("the bus comes back");
             bus_.start();
             isBusUp_ = true;
             clients_.clear();
             startPeers();
+            moves[nowhere].emplace_back([](Model& model) {
+                model.hasBus = true;
+                model.agents = {};
+            });
         }
-        const auto before = history_.size();
-        Moves moves;
         runMainQueue(moves);
         const bool isStalled = isBusUp_ && pick(8) == 0;
         if (isStalled) {
