@@ -200,7 +200,12 @@ struct Model {
     }
 };
 
-using Move = std::function<void(Model&)>;
+struct Move {
+    std::function<void(Model&)> change;
+    /// The bus may see its process's end before it has read what that sent just before.
+    bool isEnd = false;
+};
+
 /// What happens in each of several places, in order.
 using Moves = std::map<std::string, std::vector<Move>>;
 constexpr auto nowhere = "";
@@ -220,7 +225,7 @@ std::set<Model> outcomes(const std::set<Model>& from, Moves moves) {
     };
     for (auto model : from) {
         for (const auto& move : independent) {
-            move(model);
+            move.change(model);
         }
         visit({model, {}});
     }
@@ -234,12 +239,14 @@ std::set<Model> outcomes(const std::set<Model>& from, Moves moves) {
         }
         for (const auto& [place, list] : moves) {
             const auto at = done.contains(place) ? done.at(place) : 0;
-            if (at < list.size()) {
+            for (auto next = at; next < list.size(); ++next) {
                 isEnd = false;
-                Node next{model, done};
-                list[at](next.first);
-                next.second[place] = at + 1;
-                visit(std::move(next));
+                if (next == at || list[next].isEnd) {
+                    Node node{model, done};
+                    list[next].change(node.first);
+                    node.second[place] = next + 1;
+                    visit(std::move(node));
+                }
             }
         }
         if (isEnd) {
@@ -392,7 +399,7 @@ private:
         case 5:
             note(name + " crashes");
             endAgent(index);
-            ofAgent.emplace_back([=](Model& model) { model.crash(index); });
+            ofAgent.emplace_back([=](Model& model) { model.crash(index); }, true);
             return;
         case 6:
         case 7:
