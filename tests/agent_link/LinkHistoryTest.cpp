@@ -60,6 +60,7 @@ struct Model {
         auto operator<=>(const Agent&) const = default;
     };
 
+    bool hasBus = true;
     std::optional<std::size_t> owner;
     std::vector<Link> links; ///< the connections that there have been
     std::array<Agent, 2> agents;
@@ -80,6 +81,9 @@ struct Model {
     }
 
     void setOwner(std::optional<std::size_t> next) {
+        if (!hasBus) {
+            return;
+        }
         for (const auto& link : links) {
             if (owner && owner != next && (link.phase == Phase::live || link.phase == Phase::starting)) {
                 log("Helper XPC: Connection interrupted");
@@ -196,7 +200,12 @@ struct Model {
     }
 };
 
-using Move = std::function<void(Model&)>;
+struct Move {
+    std::function<void(Model&)> change;
+    /// The bus may see its process's end before it has read what that sent just before.
+    bool isEnd = false;
+};
+
 /// What happens in each of several places, in order.
 using Moves = std::map<std::string, std::vector<Move>>;
 constexpr auto nowhere = "";
@@ -216,7 +225,7 @@ std::set<Model> outcomes(const std::set<Model>& from, Moves moves) {
     };
     for (auto model : from) {
         for (const auto& move : independent) {
-            move(model);
+            move.change(model);
         }
         visit({model, {}});
     }
@@ -230,12 +239,14 @@ std::set<Model> outcomes(const std::set<Model>& from, Moves moves) {
         }
         for (const auto& [place, list] : moves) {
             const auto at = done.contains(place) ? done.at(place) : 0;
-            if (at < list.size()) {
+            for (auto next = at; next < list.size(); ++next) {
                 isEnd = false;
-                Node next{model, done};
-                list[at](next.first);
-                next.second[place] = at + 1;
-                visit(std::move(next));
+                if (next == at || list[next].isEnd) {
+                    Node node{model, done};
+                    list[next].change(node.first);
+                    node.second[place] = next + 1;
+                    visit(std::move(node));
+                }
             }
         }
         if (isEnd) {
@@ -388,7 +399,7 @@ private:
         case 5:
             note(name + " crashes");
             endAgent(index);
-            ofAgent.emplace_back([=](Model& model) { model.crash(index); });
+            ofAgent.emplace_back([=](Model& model) { model.crash(index); }, true);
             return;
         case 6:
         case 7:
@@ -532,6 +543,7 @@ private:
             }
             model.crash(0);
             model.crash(1);
+            model.hasBus = false;
         });
     }
 
@@ -601,15 +613,19 @@ private:
 
     /// How many events there were.
     int step() {
+        const auto before = history_.size();
+        Moves moves;
         if (!isBusUp_ && pick(3) == 0) {
             note("the bus comes back");
             bus_.start();
             isBusUp_ = true;
             clients_.clear();
             startPeers();
+            moves[nowhere].emplace_back([](Model& model) {
+                model.hasBus = true;
+                model.agents = {};
+            });
         }
-        const auto before = history_.size();
-        Moves moves;
         runMainQueue(moves);
         const bool isStalled = isBusUp_ && pick(8) == 0;
         if (isStalled) {
