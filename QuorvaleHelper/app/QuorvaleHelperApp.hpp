@@ -1,9 +1,9 @@
 #pragma once
 
 #include "app/AppDelegate.hpp"
-#include "platform/desktop/ColorSchemeFollower.hpp"
 #include "platform/desktop/MenuBarExtra.hpp"
-#include "platform/desktop/WindowScene.hpp"
+#include "platform/desktop/appearance/ColorSchemeFollower.hpp"
+#include "platform/desktop/windows/WindowScene.hpp"
 #include "platform/observable/ObservableObject.hpp"
 #include "platform/observable/StateObject.hpp"
 #include "status/StatusManager.hpp"

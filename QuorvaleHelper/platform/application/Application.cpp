@@ -1,6 +1,6 @@
 #include "platform/application/Application.hpp"
 
-#include "platform/desktop/ActivationToken.hpp"
+#include "platform/desktop/windows/ActivationToken.hpp"
 #include "platform/log/Logger.hpp"
 #include "platform/log/UnifiedLog.hpp"
 

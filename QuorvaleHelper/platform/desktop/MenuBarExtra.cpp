@@ -1,7 +1,7 @@
 #include "platform/desktop/MenuBarExtra.hpp"
 
-#include "platform/desktop/ActivationToken.hpp"
-#include "platform/desktop/WindowSystem.hpp"
+#include "platform/desktop/windows/ActivationToken.hpp"
+#include "platform/desktop/windows/WindowSystem.hpp"
 
 #include <QGuiApplication>
 #include <QScreen>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/desktop/PanelWindow.hpp"
-#include "platform/desktop/StatusIcon.hpp"
+#include "platform/desktop/status_icon/StatusIcon.hpp"
+#include "platform/desktop/windows/PanelWindow.hpp"
 
 #include <QDBusConnection>
 #include <QObject>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/desktop/SymbolImage.hpp"
+#include "platform/desktop/appearance/SymbolImage.hpp"
 
 #include <QColor>
 #include <QLabel>

@@ -1,6 +1,6 @@
 #include "ui/menu/SystemColors.hpp"
 
-#include "platform/desktop/MenuBarIcon.hpp"
+#include "platform/desktop/status_icon/MenuBarIcon.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "platform/desktop/SymbolImage.hpp"
+#include "platform/desktop/appearance/SymbolImage.hpp"
 
 #include <QFile>
 #include <QPainter>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/desktop/StatusNotifierHostWatch.hpp"
-#include "platform/desktop/StatusNotifierItem.hpp"
+#include "platform/desktop/status_icon/StatusNotifierHostWatch.hpp"
+#include "platform/desktop/status_icon/StatusNotifierItem.hpp"
 
 #include <QBasicTimer>
 #include <QDBusConnection>

@@ -1,4 +1,4 @@
-#include "platform/desktop/MenuBarIcon.hpp"
+#include "platform/desktop/status_icon/MenuBarIcon.hpp"
 
 #include <QFile>
 #include <QTemporaryDir>

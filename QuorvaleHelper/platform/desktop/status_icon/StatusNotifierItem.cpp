@@ -1,6 +1,6 @@
-#include "platform/desktop/StatusNotifierItem.hpp"
+#include "platform/desktop/status_icon/StatusNotifierItem.hpp"
 
-#include "platform/desktop/ActivationToken.hpp"
+#include "platform/desktop/windows/ActivationToken.hpp"
 
 #include <QDBusAbstractAdaptor>
 #include <QDBusArgument>

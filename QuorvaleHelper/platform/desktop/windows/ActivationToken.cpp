@@ -1,6 +1,6 @@
-#include "platform/desktop/ActivationToken.hpp"
+#include "platform/desktop/windows/ActivationToken.hpp"
 
-#include "platform/desktop/WindowSystem.hpp"
+#include "platform/desktop/windows/WindowSystem.hpp"
 
 #include <QtGlobal>
 

@@ -1,7 +1,7 @@
-#include "platform/desktop/PanelWindow.hpp"
+#include "platform/desktop/windows/PanelWindow.hpp"
 
-#include "platform/desktop/InputGrab.hpp"
-#include "platform/desktop/PanelPlacement.hpp"
+#include "platform/desktop/windows/InputGrab.hpp"
+#include "platform/desktop/windows/PanelPlacement.hpp"
 
 #include <QCloseEvent>
 #include <QGuiApplication>

@@ -1,4 +1,4 @@
-#include "platform/desktop/InputGrab.hpp"
+#include "platform/desktop/windows/InputGrab.hpp"
 
 #include <QGuiApplication>
 #include <QWindow>

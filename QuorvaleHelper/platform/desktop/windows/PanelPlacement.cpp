@@ -1,4 +1,4 @@
-#include "platform/desktop/PanelPlacement.hpp"
+#include "platform/desktop/windows/PanelPlacement.hpp"
 
 #include <algorithm>
 #include <array>

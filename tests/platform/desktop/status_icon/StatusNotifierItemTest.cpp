@@ -1,6 +1,6 @@
-#include "platform/desktop/StatusNotifierItem.hpp"
+#include "platform/desktop/status_icon/StatusNotifierItem.hpp"
 
-#include "SessionBus.hpp"
+#include "platform/desktop/SessionBus.hpp"
 
 #include <QDBusArgument>
 #include <QDBusObjectPath>

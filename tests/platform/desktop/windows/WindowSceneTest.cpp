@@ -1,4 +1,4 @@
-#include "platform/desktop/WindowScene.hpp"
+#include "platform/desktop/windows/WindowScene.hpp"
 
 #include "support/waitUntil.hpp"
 

@@ -1,4 +1,4 @@
-#include "platform/desktop/StatusNotifierHostWatch.hpp"
+#include "platform/desktop/status_icon/StatusNotifierHostWatch.hpp"
 
 #include <QDBusError>
 #include <QDBusPendingCallWatcher>

@@ -1,6 +1,6 @@
-#include "platform/desktop/MenuBarIcon.hpp"
+#include "platform/desktop/status_icon/MenuBarIcon.hpp"
 
-#include "platform/desktop/SymbolImage.hpp"
+#include "platform/desktop/appearance/SymbolImage.hpp"
 
 #include <QIconEngine>
 #include <QImageReader>

@@ -1,6 +1,6 @@
-#include "platform/desktop/DBusMenu.hpp"
+#include "platform/desktop/status_icon/DBusMenu.hpp"
 
-#include "SessionBus.hpp"
+#include "platform/desktop/SessionBus.hpp"
 
 #include <QDBusArgument>
 #include <QDBusVariant>

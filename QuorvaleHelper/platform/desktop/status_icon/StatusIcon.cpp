@@ -1,7 +1,7 @@
-#include "platform/desktop/StatusIcon.hpp"
+#include "platform/desktop/status_icon/StatusIcon.hpp"
 
-#include "platform/desktop/PanelPlacement.hpp"
-#include "platform/desktop/WindowSystem.hpp"
+#include "platform/desktop/windows/PanelPlacement.hpp"
+#include "platform/desktop/windows/WindowSystem.hpp"
 
 #include <QCursor>
 #include <QGuiApplication>

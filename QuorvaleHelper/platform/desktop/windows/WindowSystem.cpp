@@ -1,4 +1,4 @@
-#include "platform/desktop/WindowSystem.hpp"
+#include "platform/desktop/windows/WindowSystem.hpp"
 
 #include <QGuiApplication>
 

@@ -1,4 +1,4 @@
-#include "platform/desktop/PanelWindow.hpp"
+#include "platform/desktop/windows/PanelWindow.hpp"
 
 #include "support/waitUntil.hpp"
 

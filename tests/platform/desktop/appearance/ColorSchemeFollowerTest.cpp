@@ -1,6 +1,6 @@
-#include "platform/desktop/ColorSchemeFollower.hpp"
+#include "platform/desktop/appearance/ColorSchemeFollower.hpp"
 
-#include "SessionBus.hpp"
+#include "platform/desktop/SessionBus.hpp"
 
 #include <QDBusVariant>
 #include <QGuiApplication>

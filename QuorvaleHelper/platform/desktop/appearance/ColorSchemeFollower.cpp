@@ -1,4 +1,4 @@
-#include "platform/desktop/ColorSchemeFollower.hpp"
+#include "platform/desktop/appearance/ColorSchemeFollower.hpp"
 
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>

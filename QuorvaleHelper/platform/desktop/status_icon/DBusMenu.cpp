@@ -1,4 +1,4 @@
-#include "platform/desktop/DBusMenu.hpp"
+#include "platform/desktop/status_icon/DBusMenu.hpp"
 
 #include <QDBusAbstractAdaptor>
 #include <QDBusArgument>

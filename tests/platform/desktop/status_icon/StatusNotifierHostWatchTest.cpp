@@ -1,7 +1,7 @@
-#include "platform/desktop/StatusNotifierHostWatch.hpp"
+#include "platform/desktop/status_icon/StatusNotifierHostWatch.hpp"
 
-#include "FakeWatcher.hpp"
-#include "SessionBus.hpp"
+#include "platform/desktop/SessionBus.hpp"
+#include "platform/desktop/status_icon/FakeWatcher.hpp"
 
 #include <memory>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/desktop/DBusMenu.hpp"
-#include "platform/desktop/MenuBarIcon.hpp"
+#include "platform/desktop/status_icon/DBusMenu.hpp"
+#include "platform/desktop/status_icon/MenuBarIcon.hpp"
 
 #include <QDBusConnection>
 #include <QObject>
