@@ -22,6 +22,9 @@ PrivateBus::PrivateBus(const std::string& unownableName) {
         << "<servicedir>" << directory_.string() << "</servicedir>"
         << R"(<policy context="default"><allow send_destination="*" eavesdrop="true"/>)"
         << R"(<allow eavesdrop="true"/><allow own="*"/><deny own=")" << unownableName << R"("/></policy></busconfig>)";
+    std::ofstream(directory_ / "startable.service")
+        << "[D-BUS Service]\nName=" << startableName << "\nExec=/usr/bin/setpriv --pdeathsig KILL /bin/sh -c \"touch "
+        << (directory_ / "started").string() << " && exec sleep infinity\"\n";
     std::ofstream(directory_ / "unstartable.service")
         << "[D-BUS Service]\nName=" << unstartableName << "\nExec=/bin/sh -c \"sleep 0.1; exit 1\"\n";
     start();
@@ -34,6 +37,10 @@ PrivateBus::~PrivateBus() {
 
 std::string PrivateBus::address() const {
     return "unix:path=" + (directory_ / "bus").string();
+}
+
+bool PrivateBus::hasStartedAService() const {
+    return std::filesystem::exists(directory_ / "started");
 }
 
 void PrivateBus::start() {

@@ -13,6 +13,10 @@ class PrivateBus {
 public:
     explicit PrivateBus(const std::string& unownableName = {});
 
+    /// The bus starts a process for it, and keeps messages until someone has taken the name.
+    static constexpr auto startableName = "org.example.Startable";
+    [[nodiscard]] bool hasStartedAService() const;
+
     /// The bus starts a process for it, which ends soon without having taken the name.
     static constexpr auto unstartableName = "org.example.Unstartable";
     ~PrivateBus();

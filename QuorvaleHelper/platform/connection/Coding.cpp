@@ -26,10 +26,8 @@ bool appendPart(sd_bus_message* message, const Part& part) {
     };
     if constexpr (std::same_as<Part, std::string>) {
         return !part.contains('\0') && sd_bus_message_append(message, "s", part.c_str()) >= 0;
-    } else if constexpr (std::same_as<Part, std::int64_t>) {
-        return sd_bus_message_append(message, "x", part) >= 0;
-    } else if constexpr (std::same_as<Part, double>) {
-        return sd_bus_message_append(message, "d", part) >= 0;
+    } else if constexpr (std::same_as<Part, std::int64_t> || std::same_as<Part, double>) {
+        return sd_bus_message_append_basic(message, std::integral<Part> ? 'x' : 'd', &part) >= 0;
     } else if constexpr (std::same_as<Part, bool>) {
         return sd_bus_message_append(message, "b", int{part}) >= 0;
     } else if constexpr (std::same_as<Part, Date>) {
@@ -41,10 +39,9 @@ bool appendPart(sd_bus_message* message, const Part& part) {
     } else if constexpr (std::same_as<Part, PropertyList>) {
         const auto* const contents = variantContents[part.value.index()];
         return appendInside('v', contents, [&] { return std::visit(appendNext, part.value); });
-    } else if constexpr (std::same_as<Part, std::vector<PropertyList>>) {
-        return appendInside('a', "v", [&] { return std::ranges::all_of(part, appendNext); });
-    } else if constexpr (std::same_as<Part, Dictionary>) {
-        return appendInside('a', "{sv}", [&] { return std::ranges::all_of(part, appendNext); });
+    } else if constexpr (std::ranges::range<Part>) {
+        const auto* const contents = std::same_as<Part, Dictionary> ? "{sv}" : "v";
+        return appendInside('a', contents, [&] { return std::ranges::all_of(part, appendNext); });
     } else {
         static_assert(std::same_as<Part, Dictionary::value_type>);
         return appendInside('e', "sv", [&] { return appendNext(part.first) && appendNext(part.second); });

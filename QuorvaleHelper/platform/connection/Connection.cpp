@@ -24,7 +24,6 @@ namespace quorvale::platform::connection {
 namespace {
 
 constexpr auto busName = "org.freedesktop.DBus";
-constexpr std::size_t mostAnswers = 64;
 
 struct Release {
     void operator()(sd_bus* bus) const { sd_bus_close_unref(bus); }
@@ -109,7 +108,7 @@ public:
         with_ = std::move(configuration);
         isResumed_ = true;
         if (!bus_) {
-            tellOfEnd();
+            becomeInvalid();
         }
     }
 
@@ -139,32 +138,21 @@ public:
                 onError({SD_BUS_ERROR_INVALID_SIGNATURE, "The reply does not decode."});
             }
         };
-        pending_[*sent] = {onAnswer, onError};
-        if (method.reply) {
-            return;
+        pending_[*sent] = {onAnswer, onError, !method.reply};
+        if (!method.reply) {
+            forgetDelivered();
         }
-        // The bus deals with messages in their order: when it answers this one, it has delivered the one before, or has
-        // sent it back already, or keeps it for a service that it starts.
-        askBus("GetId", "", "", [this, taken = *sent](sd_bus_message* /*answer*/) {
-            if (const auto message = pending_.find(taken); message != pending_.end()) {
-                message->second.isWithBus = true;
-                forgetDelivered();
-            }
-        });
     }
 
     void becomeInvalid() {
-        if (!bus_) {
-            return;
-        }
         bus_.reset();
-        for (const auto& [serial, message] : std::exchange(pending_, {})) {
-            if (message.onEnd) {
-                message.onEnd(disconnected());
-            }
-        }
         answers_.clear();
-        tellOfEnd();
+        for (const auto& [serial, message] : std::exchange(pending_, {})) {
+            message.onEnd(disconnected());
+        }
+        if (const auto handler = std::exchange(with_, {}).onInvalidation) {
+            handler();
+        }
     }
 
 private:
@@ -172,14 +160,8 @@ private:
     struct Pending {
         std::function<void(sd_bus_message*)> onAnswer;
         ErrorHandler onEnd;
-        bool isWithBus = false; ///< one-way, and delivered unless the bus still waits for an owner
+        bool isOneWay;
     };
-
-    void tellOfEnd() {
-        if (const auto handler = std::exchange(with_, {}).onInvalidation) {
-            handler();
-        }
-    }
 
     explicit Channel(ServiceAddress address) : address_(std::move(address)), bus_(openSystemBus()) {}
 
@@ -256,7 +238,7 @@ private:
             return sd_bus_message_append(message, types, argument.c_str(), 0U) >= 0;
         });
         if (sent) {
-            pending_[*sent].onAnswer = std::move(onAnswer);
+            pending_[*sent] = {std::move(onAnswer), [](const Error& /*error*/) {}, false};
         } else {
             becomeInvalid();
         }
@@ -281,35 +263,34 @@ private:
         if (sd_bus_message_is_method_call(message, nullptr, nullptr) > 0) {
             return self.receiveCall(message);
         }
-        const char* name = nullptr;
         const char* owner = nullptr;
         if (sd_bus_message_is_signal(message, busName, "NameOwnerChanged") == 0) {
             self.receiveAnswer(message);
             // Another process can address a signal of any name to us; only the bus itself is believed.
-        } else if (senderOf(message) == busName && sd_bus_message_read(message, "sss", &name, nullptr, &owner) > 0 &&
-                   name == self.address_.name) {
+        } else if (senderOf(message) == busName && sd_bus_message_read(message, "sss", nullptr, nullptr, &owner) > 0) {
             self.setOwner(owner);
         }
         return 1;
     }
 
+    /// The bus deals with messages in their order: when it names an owner, it has delivered every one-way message that
+    /// was sent before, or has sent it back already. Without an owner it may keep them for a service that it starts.
     void forgetDelivered() {
-        for (auto& [serial, message] : pending_) {
-            if (message.isWithBus && !owner_.empty()) {
-                message.onEnd = {};
-            }
-        }
+        askBus("GetNameOwner", "s", address_.name, [this, end = pending_.rbegin()->first](sd_bus_message* answer) {
+            std::erase_if(pending_, [&](const auto& sent) {
+                return !isError(answer) && sent.first <= end && sent.second.isOneWay;
+            });
+        });
     }
 
     void setOwner(const char* owner) {
+        const auto previous = std::exchange(owner_, owner);
         if (pending_.empty()) {
             peers_.clear();
-        }
-        const auto previous = std::exchange(owner_, owner);
-        if (!owner_.empty()) {
-            peers_.insert(owner_);
+        } else {
             forgetDelivered();
         }
+        peers_.insert(owner_);
         if (!previous.empty() && previous != owner_ && with_.onInterruption) {
             with_.onInterruption();
         }
@@ -365,9 +346,6 @@ private:
             error ? sd_bus_message_new_method_errorf(call, &answer, error, "%s", why.c_str())
                   : sd_bus_message_new_method_return(call, &answer);
             answers_.emplace_back(answer);
-        }
-        if (answers_.size() == mostAnswers) {
-            sendAnswers();
         }
         return 1;
     }

@@ -89,7 +89,13 @@ protected:
             }
         });
         service_->run([this] { service_->own(serviceName); });
-        connection_ = Connection::toService({serviceName, "/service", "/client"});
+        connectTo(serviceName);
+        service().send(ask, [](bool) {});
+        ASSERT_TRUE(blockUntil([&] { return received_->all().size() == 1; }));
+    }
+
+    void connectTo(const char* name) {
+        connection_ = Connection::toService({name, "/service", "/client"});
         ASSERT_TRUE(connection_);
         connection_->setRemoteObjectInterface({serviceName, {describe(ask), describe(tell)}});
         connection_->setExportedInterface(ExportedInterface<Client>("org.example.Client")
@@ -98,8 +104,6 @@ protected:
                                           client_);
         connection_->setInvalidationHandler([events = events_] { events->add(invalidated); });
         connection_->resume();
-        service().send(ask, [](bool) {});
-        ASSERT_TRUE(blockUntil([&] { return received_->all().size() == 1; }));
     }
 
     [[nodiscard]] Proxy service() const {
@@ -171,13 +175,30 @@ TEST_F(ConnectionTest, FailsAOneWayMessageThatWasNotDeliveredOrIsNotKnownToBe) {
 }
 
 TEST_F(ConnectionTest, FailsAOneWayMessageThatTheBusKeptForAServiceThatDoesNotStart) {
-    connection_ = Connection::toService({tests::PrivateBus::unstartableName, "/service", "/client"});
-    connection_->setRemoteObjectInterface({serviceName, {describe(tell)}});
-    connection_->setInvalidationHandler([events = events_] { events->add(invalidated); });
-    connection_->resume();
+    connectTo(tests::PrivateBus::unstartableName);
     service().send(tell);
     ASSERT_TRUE(blockUntil([&] { return events_->all().size() == 3; }));
     EXPECT_THAT(events_->all(), ElementsAre(disconnected, testing::StartsWith("failed: "), invalidated));
+}
+
+TEST_F(ConnectionTest, FailsNoOneWayMessageThatTheBusKeptForAServiceThatStarts) {
+    connectTo(tests::PrivateBus::startableName);
+    service().send(tell);
+    ASSERT_TRUE(blockUntil([&] { return bus_.hasStartedAService(); }));
+    service_->run([this] { service_->own(tests::PrivateBus::startableName); });
+    ASSERT_TRUE(blockUntil([&] { return received_->all().size() == 2; }));
+    EXPECT_EQ(received_->all().back(), "tell");
+    // Back and forth twice, for what the connection and the bus then have to say to each other.
+    callClient("push", [](std::string_view) {});
+    ASSERT_TRUE(blockUntil([&] { return client_->pushed.load(); }));
+    service().send(ask, [](bool) {});
+    ASSERT_TRUE(blockUntil([&] { return received_->all().size() == 3; }));
+    callClient("hold", [](std::string_view) {});
+    ASSERT_TRUE(blockUntil([&] { return client_->held.load(); }));
+    connection_->invalidate();
+    client_->release();
+    ASSERT_TRUE(blockUntil([&] { return events_->all().size() >= 3; }));
+    EXPECT_THAT(events_->all(), ElementsAre(disconnected, disconnected, invalidated)) << "the two requests alone";
 }
 
 TEST_F(ConnectionTest, TakesTheCallsThatTheBusHadPassedOnBeforeItEnded) {
