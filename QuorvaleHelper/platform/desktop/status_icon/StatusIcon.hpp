@@ -2,6 +2,7 @@
 
 #include "platform/desktop/status_icon/StatusNotifierHostWatch.hpp"
 #include "platform/desktop/status_icon/StatusNotifierItem.hpp"
+#include "platform/desktop/windows/InputGrab.hpp"
 
 #include <QBasicTimer>
 #include <QDBusConnection>
@@ -52,6 +53,7 @@ private:
 
     /// For a panel that doesn't draw the item's menu itself.
     QMenu menu_;
+    InputGrab menuGrab_{menu_};
     StatusNotifierItem item_;
     StatusNotifierHostWatch host_;
     QBasicTimer absence_;
