@@ -28,11 +28,13 @@ InputGrab::InputGrab(QWidget& window) : window_(window) {
 
 InputGrab::~InputGrab() {
     listen(false);
+    qGuiApp->removeNativeEventFilter(this);
 }
 
 void InputGrab::take() {
     tryToTake();
     if (!(hasKeyboard_ && hasPointer_)) {
+        qGuiApp->installNativeEventFilter(this);
         listen(true);
         // The button may have gone up before the server was asked to tell of it.
         tryToTake();
@@ -41,6 +43,7 @@ void InputGrab::take() {
 
 void InputGrab::release() {
     listen(false);
+    qGuiApp->removeNativeEventFilter(this);
     pressedElsewhere_ = false;
     if (std::exchange(hasKeyboard_, false)) {
         window_.windowHandle()->setKeyboardGrabEnabled(false);
@@ -48,9 +51,18 @@ void InputGrab::release() {
     if (std::exchange(hasPointer_, false)) {
         window_.windowHandle()->setMouseGrabEnabled(false);
     }
+    // Now, whatever the program is about to do: until then the user's clicks would go nowhere.
+    if (auto* const server = x11::connection()) {
+        xcb_flush(server);
+    }
 }
 
 bool InputGrab::eventFilter(QObject* /*watched*/, QEvent* event) {
+    // Qt closes popups, late, when the program has lost the keyboard. Whoever holds it has not.
+    if (hasKeyboard_ && event->type() == QEvent::Close && event->spontaneous()) {
+        event->ignore();
+        return true;
+    }
     const auto isPress = event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick;
     if (!isPress && event->type() != QEvent::MouseButtonRelease) {
         return false;
@@ -130,7 +142,8 @@ bool InputGrab::takePointer() {
     return window->setMouseGrabEnabled(true);
 }
 
-/// Raw events come whoever has grabbed the devices.
+/// Raw events come whoever has grabbed the devices. Those that have come when the pointer is taken are still to be
+/// heard: another button may have gone down before.
 void InputGrab::listen(bool isListening) {
     if (isListening == retries_.isActive()) {
         return;
@@ -144,13 +157,11 @@ void InputGrab::listen(bool isListening) {
 
     if (isListening) {
         retries_.start(retryInterval, this);
-        qGuiApp->installNativeEventFilter(this);
         selection.events = XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE | XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS |
                            XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_RELEASE | XCB_INPUT_XI_EVENT_MASK_RAW_TOUCH_BEGIN |
                            XCB_INPUT_XI_EVENT_MASK_RAW_TOUCH_END;
     } else {
         retries_.stop();
-        qGuiApp->removeNativeEventFilter(this);
     }
     if (server) {
         xcb_input_xi_select_events(server, x11::root(), 1, &selection.head);

@@ -42,7 +42,6 @@ PanelWindow::PanelWindow(Presentation presentation)
     describeWindows();
     setAttribute(Qt::WA_TranslucentBackground);
     setAttribute(Qt::WA_QuitOnClose, false);
-    setAttribute(Qt::WA_X11NetWmWindowTypeDropDownMenu);
     auto* const layout = new QVBoxLayout(this);
     layout->setContentsMargins(borderWidth, borderWidth, borderWidth, borderWidth);
     layout->setSizeConstraint(QLayout::SetFixedSize);
@@ -90,6 +89,8 @@ bool PanelWindow::event(QEvent* event) {
 }
 
 void PanelWindow::showEvent(QShowEvent* event) {
+    // What compositing managers go by. Qt forgets it where there is no window of the server's yet.
+    setAttribute(Qt::WA_X11NetWmWindowTypeDropDownMenu);
     QWidget::showEvent(event);
     Q_EMIT visibilityChanged(true);
 }
