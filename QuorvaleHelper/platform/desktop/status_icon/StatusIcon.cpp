@@ -17,6 +17,10 @@ namespace quorvale::platform::desktop {
 namespace {
 
 QPoint anchorFor(QPoint panelsWord) {
+    if (windowSystem() == WindowSystem::Wayland) {
+        // Nobody else knows where the pointer is.
+        return panelsWord;
+    }
     std::vector<ScreenGeometry> screens;
     for (const auto* screen : QGuiApplication::screens()) {
         screens.push_back({screen->geometry(), screen->availableGeometry(), screen->devicePixelRatio()});

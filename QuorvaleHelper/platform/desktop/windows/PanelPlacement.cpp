@@ -86,4 +86,25 @@ QPoint panelTopLeft(QPoint anchor, QSize size, const ScreenGeometry& screen) {
     return {centredX, within(inUpperHalf ? below : above, top, bottom)};
 }
 
+LayerPlace layerPlace(QPoint panelsWord, QSize size, QRect screen) {
+    /// The thickest panel.
+    constexpr int reach = 96;
+    const auto left = panelsWord.x() - screen.left();
+    const auto top = panelsWord.y() - screen.top();
+    const auto right = screen.right() - panelsWord.x();
+    const auto bottom = screen.bottom() - panelsWord.y();
+    const auto nearest = std::min({left, top, right, bottom});
+    if (panelsWord.isNull() || nearest < 0 || nearest > reach) {
+        return {Qt::TopEdge | Qt::RightEdge, {0, gap, gap, 0}};
+    }
+    if (nearest == top || nearest == bottom) {
+        const auto offset = within(left - size.width() / 2, gap, screen.width() - size.width() - gap);
+        return nearest == top ? LayerPlace{Qt::TopEdge | Qt::LeftEdge, {offset, gap, 0, 0}}
+                              : LayerPlace{Qt::BottomEdge | Qt::LeftEdge, {offset, 0, 0, gap}};
+    }
+    const auto offset = within(top - size.height() / 2, gap, screen.height() - size.height() - gap);
+    return nearest == left ? LayerPlace{Qt::LeftEdge | Qt::TopEdge, {gap, offset, 0, 0}}
+                           : LayerPlace{Qt::RightEdge | Qt::TopEdge, {0, offset, gap, 0}};
+}
+
 } // namespace quorvale::platform::desktop

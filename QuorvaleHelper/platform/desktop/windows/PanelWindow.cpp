@@ -1,5 +1,6 @@
 #include "platform/desktop/windows/PanelWindow.hpp"
 
+#include "platform/desktop/windows/LayerShell.hpp"
 #include "platform/desktop/windows/PanelPlacement.hpp"
 #include "platform/desktop/windows/describeWindows.hpp"
 
@@ -9,6 +10,7 @@
 #include <QPainterPath>
 #include <QScreen>
 #include <QVBoxLayout>
+#include <QWindow>
 
 namespace quorvale::platform::desktop {
 
@@ -134,11 +136,16 @@ void PanelWindow::keyPressEvent(QKeyEvent* event) {
 }
 
 void PanelWindow::place() {
-    if (presentation_ != Presentation::AnchoredPopup) {
-        return;
-    }
     const auto* const found = QGuiApplication::screenAt(anchor_);
     const auto* const screen = found ? found : QGuiApplication::primaryScreen();
+    if (presentation_ == Presentation::PlacedByCompositor) {
+        // Where it stands is settled when it is shown.
+        if (isHidden()) {
+            winId();
+            standOnLayer(*windowHandle(), layerPlace(anchor_, sizeHint(), screen->geometry()));
+        }
+        return;
+    }
     move(panelTopLeft(anchor_, sizeHint(),
                       {screen->geometry(), screen->availableGeometry(), screen->devicePixelRatio()}));
 }
