@@ -157,34 +157,45 @@ TEST_F(QuorvaleHelperAppTest, PassesItsLeaveToTakeTheFocusOnToTheOneThatRuns) {
     FirstInstance first;
     ASSERT_TRUE(bus.registerVirtualObject(QStringLiteral("/com/quorvale/QuorvaleHelper"), &first));
     ASSERT_TRUE(bus.registerService(QStringLiteral("com.quorvale.QuorvaleHelper")));
-    HelperProcess second({{"DBUS_SESSION_BUS_ADDRESS", sessionBus_.address()},
-                          {"QT_QPA_PLATFORM", "offscreen"},
-                          {"XDG_ACTIVATION_TOKEN", "token-1"}});
+    const HelperProcess::Environment environment{{"DBUS_SESSION_BUS_ADDRESS", sessionBus_.address()},
+                                                 {"QT_QPA_PLATFORM", "offscreen"},
+                                                 {"XDG_ACTIVATION_TOKEN", "token-1"},
+                                                 {"DESKTOP_STARTUP_ID", "id_TIME1"}};
+    for (const auto& started : std::vector<std::vector<std::string>>{{"--background"}, {"-session", "1_2"}}) {
+        HelperProcess bySession(environment, started);
+        EXPECT_EQ(bySession.process().waitForExit(), (Process::Exit{.code = EXIT_SUCCESS}));
+        EXPECT_EQ(first.call.member(), QString()) << "nobody asked to see it";
+    }
+    HelperProcess second(environment);
     EXPECT_EQ(second.process().waitForExit(), (Process::Exit{.code = EXIT_SUCCESS}));
     EXPECT_EQ(first.call.interface(), QStringLiteral("org.freedesktop.Application"));
     EXPECT_EQ(first.call.member(), QStringLiteral("Activate"));
     EXPECT_EQ(qdbus_cast<QVariantMap>(first.call.arguments().value(0)),
-              (QVariantMap{{QStringLiteral("activation-token"), QStringLiteral("token-1")}}));
+              (QVariantMap{{QStringLiteral("activation-token"), QStringLiteral("token-1")},
+                           {QStringLiteral("desktop-startup-id"), QStringLiteral("id_TIME1")}}));
     QDBusConnection::disconnectFromBus(QStringLiteral("first"));
 }
 
 TEST_F(QuorvaleHelperAppTest, EndsWithAnErrorWhereItMayNotHaveItsName) {
     const tests::PrivateBus strictBus("com.quorvale.QuorvaleHelper");
-    HelperProcess helper(systemBus_, strictBus);
-    EXPECT_EQ(helper.process().waitForExit(), (Process::Exit{.code = EXIT_FAILURE}));
-    EXPECT_THAT(helper.log(),
-                ElementsAre("error Failed to start: the session bus refuses the name, and no other instance answers"));
+    for (const auto& arguments : std::vector<std::vector<std::string>>{{}, {"--background"}}) {
+        HelperProcess helper(systemBus_, strictBus, arguments);
+        EXPECT_EQ(helper.process().waitForExit(), (Process::Exit{.code = EXIT_FAILURE}));
+        EXPECT_THAT(
+            helper.log(),
+            ElementsAre("error Failed to start: the session bus refuses the name, and no other instance answers"));
+    }
 }
 
-TEST_F(QuorvaleHelperAppTest, TakesNoArgumentsButTheToolkits) {
-    const std::vector<std::string> toolkits{"-platform", "offscreen", "-style", "fusion", "-session", "1_2"};
-    auto oneMore = toolkits;
+TEST_F(QuorvaleHelperAppTest, TakesNoOtherArgumentsThanTheToolkitsAndItsOwn) {
+    const std::vector<std::string> known{"-platform", "offscreen", "-style", "fusion", "-session", "1_2", "--background"};
+    auto oneMore = known;
     oneMore.emplace_back("--help");
     HelperProcess refused(systemBus_, sessionBus_, oneMore);
     EXPECT_EQ(refused.process().waitForExit(), (Process::Exit{.code = 2}));
     EXPECT_THAT(refused.process().lines(), testing::Contains("QuorvaleHelper: unknown argument: --help"));
 
-    HelperProcess helper(systemBus_, sessionBus_, toolkits);
+    HelperProcess helper(systemBus_, sessionBus_, known);
     EXPECT_TRUE(helper.logs("info Quorvale Helper launched"));
 }
 
