@@ -21,6 +21,7 @@
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -159,12 +160,15 @@ void QuorvaleHelperApp::showMenuBarExtra() {
     extra.setContent([&statusManager, &mainQueue, actions] {
         return std::make_unique<ui::menu::WindowBarStyle>(statusManager, mainQueue, iconSize, actions);
     });
-    const auto showStatus = [&extra, &statusManager] {
-        const auto look = ProtectedLook::of(statusManager.status());
-        extra.setStatus(look.text, ui::menu::protectedSymbol(look));
+    auto showStatus = [&extra, &statusManager, shown = std::optional<bool>()]() mutable {
+        const auto status = statusManager.status();
+        if (std::exchange(shown, status) != status) {
+            const auto look = ProtectedLook::of(status);
+            extra.setStatus(look.text, ui::menu::protectedSymbol(look));
+        }
     };
     showStatus();
-    statusUpdates_ = objectDidChange(statusManager, mainQueue, showStatus);
+    statusUpdates_ = objectDidChange(statusManager, mainQueue, std::move(showStatus));
     application_.setActivationHandler([&extra] { extra.show(); });
 }
 

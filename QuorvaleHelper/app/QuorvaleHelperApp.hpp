@@ -21,9 +21,9 @@ using OpenWindowAction = std::function<void(std::string_view identifier)>;
 /// The menu-bar application: the objects that live as long as the process, and the scenes that show them. Main thread.
 class QuorvaleHelperApp {
 public:
-    /// Runs the application. A second one in the same session activates the first and ends at once; with "--background",
-    /// or restored by the session manager, it only ends. Besides the toolkit's arguments any other ends the process with
-    /// status 2.
+    /// Runs the application. A second one in the same session activates the first and ends at once; with
+    /// "--background", or restored by the session manager, it only ends. Besides the toolkit's arguments any other ends
+    /// the process with status 2.
     [[noreturn]] static void main(int argc, char** argv);
 
     /// Runs the start-up sequence.

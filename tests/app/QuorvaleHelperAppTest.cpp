@@ -188,7 +188,8 @@ TEST_F(QuorvaleHelperAppTest, EndsWithAnErrorWhereItMayNotHaveItsName) {
 }
 
 TEST_F(QuorvaleHelperAppTest, TakesNoOtherArgumentsThanTheToolkitsAndItsOwn) {
-    const std::vector<std::string> known{"-platform", "offscreen", "-style", "fusion", "-session", "1_2", "--background"};
+    const std::vector<std::string> known{"-platform", "offscreen", "-style",      "fusion",
+                                         "-session",  "1_2",       "--background"};
     auto oneMore = known;
     oneMore.emplace_back("--help");
     HelperProcess refused(systemBus_, sessionBus_, oneMore);

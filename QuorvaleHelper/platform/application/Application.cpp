@@ -1,6 +1,7 @@
 #include "platform/application/Application.hpp"
 
 #include "platform/desktop/windows/ActivationToken.hpp"
+#include "platform/desktop/windows/WindowSystem.hpp"
 #include "platform/log/Logger.hpp"
 #include "platform/log/UnifiedLog.hpp"
 
@@ -264,7 +265,8 @@ private:
     static desktop::ActivationToken tokenIn(const QVariantMap& platformData) {
         const auto token = platformData.value(activationToken).toString();
         const auto id = platformData.value(startupId).toString();
-        const bool prefersId = QApplication::platformName() == QLatin1String("xcb") ? !id.isEmpty() : token.isEmpty();
+        const bool isX11 = desktop::windowSystem() == desktop::WindowSystem::X11;
+        const bool prefersId = isX11 ? !id.isEmpty() : token.isEmpty();
         return desktop::ActivationToken(prefersId ? id : token);
     }
 

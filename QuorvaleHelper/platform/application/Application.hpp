@@ -43,8 +43,9 @@ enum class Wish {
 ///
 /// From the delegate's appointment on, whatever ends the application tells the delegate once and runs no destructor.
 /// SIGTERM, SIGINT, SIGHUP, the end of the desktop session and that of the display end it with status 0, the loss of
-/// the session bus and a failure of the toolkit with status 1. Session managers are told not to restore it. Until then there is nothing to tell, and signals end it
-/// as they end any process. What the toolkit reports is logged under the identifier followed by ".toolkit".
+/// the session bus and a failure of the toolkit with status 1. Session managers are told not to restore it. Until then
+/// there is nothing to tell, and signals end it as they end any process. What the toolkit reports is logged under the
+/// identifier followed by ".toolkit".
 class Application {
 public:
     /// `identifier` is a reverse-DNS name. A desktop that can't be reached ends the process with status 1 and the

@@ -66,10 +66,8 @@ void MenuBarExtra::setContent(MakeContent makeContent) {
 
 void MenuBarExtra::setStatus(const QString& text, const QIcon& symbol) {
     icon_.setToolTip(QStringLiteral("%1: %2").arg(title_, text));
-    if (const auto label = plainText(text); status_->text() != label) {
-        status_->setText(label);
-        status_->setIcon(symbol);
-    }
+    status_->setText(plainText(text));
+    status_->setIcon(symbol);
 }
 
 void MenuBarExtra::toggle(QPoint anchor) {

@@ -8,9 +8,8 @@
 namespace quorvale::platform::desktop {
 
 /// The desktop's leave for a window that is opened during this object's life to come to the front: on Wayland a token,
-/// on X11 the id of a startup sequence, or the time of what the user did. Both come from a peer and are checked here. No
-/// child process may inherit them. GUI thread.
-/// https://wayland.app/protocols/xdg-activation-v1
+/// on X11 the id of a startup sequence, or the time of what the user did. Both come from a peer and are checked here.
+/// No child process may inherit them. GUI thread. https://wayland.app/protocols/xdg-activation-v1
 /// https://specifications.freedesktop.org/startup-notification-spec/startup-notification-latest.txt
 class ActivationToken {
 public:

@@ -87,8 +87,7 @@ void activate(xcb_connection_t* connection, xcb_window_t window) {
     message.type = atom(connection, "_NET_ACTIVE_WINDOW");
     message.data.data32[0] = fromApplication;
     message.data.data32[1] = userTime();
-    sendToWindowManager(connection, message,
-                        XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT);
+    sendToWindowManager(connection, message, XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT);
 }
 
 /// Ends what the desktop shows of a start that is under way, such as a busy pointer.
@@ -129,8 +128,8 @@ void bringToFront(QWidget& window) {
     }
     window.show();
     window.raise();
-    // Not as the toolkit would: it goes by the time when the user last turned to one of its own windows, which any other
-    // window in front has been used since.
+    // Not as the toolkit would: it goes by the time when the user last turned to one of its own windows, which any
+    // other window in front has been used since.
     activate(connection, id);
     if (!startupId.isEmpty()) {
         completeStartup(connection, id, startupId);

@@ -78,9 +78,8 @@ private Q_SLOTS:
 class DBusMenuTest : public testing::Test {
 protected:
     DBusMenuTest() {
-        QObject::connect(&exported, &DBusMenu::chosen, [this](QAction* action, std::uint32_t timestamp) {
-            chosen.emplace_back(action, timestamp);
-        });
+        QObject::connect(&exported, &DBusMenu::chosen,
+                         [this](QAction* action, std::uint32_t timestamp) { chosen.emplace_back(action, timestamp); });
     }
 
     [[nodiscard]] QDBusMessage call(const char* member, const QVariantList& arguments) const {
@@ -135,8 +134,7 @@ TEST_F(DBusMenuTest, ListsItsItemsForPanelsToDraw) {
     EXPECT_EQ(colorOf(all.at(1).value(iconKey)), QColor(Qt::red));
     EXPECT_EQ(all.at(2), (QVariantMap{{QStringLiteral("type"), QStringLiteral("separator")}}));
     EXPECT_EQ(all.at(3), (QVariantMap{{labelKey, QStringLiteral("_Log")}}));
-    EXPECT_EQ(properties({1, 7, -1}, {labelKey}),
-              (Properties{{1, {{labelKey, QStringLiteral("Un&__protected")}}}}));
+    EXPECT_EQ(properties({1, 7, -1}, {labelKey}), (Properties{{1, {{labelKey, QStringLiteral("Un&__protected")}}}}));
 
     auto direction =
         QDBusMessage::createMethodCall(session.program.baseService(), DBusMenu::path,

@@ -93,10 +93,9 @@ protected:
     SessionBus session;
     QMenu menu;
     QAction* log = menu.addAction(QStringLiteral("Log"));
-    StatusNotifierItem item{
-        session.program,
-        {QStringLiteral("com.quorvale.QuorvaleHelper"), QStringLiteral("Quorvale Helper"), icon()},
-        menu};
+    StatusNotifierItem item{session.program,
+                            {QStringLiteral("com.quorvale.QuorvaleHelper"), QStringLiteral("Quorvale Helper"), icon()},
+                            menu};
 };
 
 TEST_F(StatusNotifierItemTest, TellsPanelsWhatItIs) {
@@ -155,8 +154,8 @@ TEST_F(StatusNotifierItemTest, UsesATokenUpWithWhatItWasGivenFor) {
     auto choice = QDBusMessage::createMethodCall(session.program.baseService(), DBusMenu::path,
                                                  QStringLiteral("com.canonical.dbusmenu"), QStringLiteral("Event"));
     choice << 1 << QStringLiteral("clicked") << QVariant::fromValue(QDBusVariant(QString())) << 7U;
-    for (const auto& token : {QStringLiteral("token"), QStringLiteral("panel-1_TIME12"), QString(),
-                              QString(1000, u'x'), QStringLiteral("to\nken"), QStringLiteral("_TIME99999999999")}) {
+    for (const auto& token : {QStringLiteral("token"), QStringLiteral("panel-1_TIME12"), QString(), QString(1000, u'x'),
+                              QStringLiteral("to\nken"), QStringLiteral("_TIME99999999999")}) {
         EXPECT_EQ(call("ProvideXdgActivationToken", {token}).type(), QDBusMessage::ReplyMessage);
         const auto before = choices.size();
         EXPECT_EQ(session.ask(choice).type(), QDBusMessage::ReplyMessage);
