@@ -1,6 +1,5 @@
 #include "agent_link/HelperXPC.hpp"
 
-#include "agent_link/AgentCommunication.hpp"
 #include "support/AgentProcess.hpp"
 #include "support/RecordedLog.hpp"
 
@@ -174,16 +173,6 @@ TEST_F(HelperXPCTest, SendsNothingWithoutAConnectionOrTheAgentsInterface) {
     const auto plain = Connection::toService(HelperXPC::agentService());
     link_->registerClient(*plain);
     EXPECT_EQ(log_.lines().back(), "error: Failed to cast register client remote object proxy");
-}
-
-TEST(AgentCommunicationTest, DeclaresTheAgentsFiveMethods) {
-    using platform::connection::Method;
-    using platform::connection::Type;
-    EXPECT_THAT(AgentCommunication::interface().methods,
-                ElementsAre(Method{"registerClientWith", {{"identity", Type::text}}, std::nullopt},
-                            Method{"updateSharedDefaultsWith", {{"defaults", Type::dictionary}}, Type::boolean},
-                            Method{"updateGeoDefaults", {}, Type::text}, Method{"agentState", {}, Type::optionalText},
-                            Method{"reloadCloud", {}, std::nullopt}));
 }
 
 } // namespace quorvale::agent_link

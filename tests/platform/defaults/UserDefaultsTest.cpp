@@ -177,9 +177,11 @@ TEST_F(UserDefaultsTest, HasAWholeOldOrNewValueAfterACrashInTheMiddle) {
     for (int crash = 0; crash < 20; ++crash) {
         ASSERT_TRUE(suite->setValue("key", valueOf('a')));
         const auto writer = fork();
-        for (char letter = 'b'; writer == 0; letter = letter == 'z' ? 'b' : static_cast<char>(letter + 1)) {
+        if (writer == 0) {
             alarm(20); // should the test end before
-            std::ignore = suite->setValue("key", valueOf(letter));
+            for (char letter = 'b';; letter = letter == 'z' ? 'b' : static_cast<char>(letter + 1)) {
+                std::ignore = suite->setValue("key", valueOf(letter));
+            }
         }
         const bool isWritten = tests::blockUntil([&] { return suite->value("key") != valueOf('a'); });
         kill(writer, SIGKILL);
