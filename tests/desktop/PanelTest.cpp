@@ -84,7 +84,7 @@ TEST(PanelTest, ShowsEachStatusInTheOpenWindow) {
     // The buttons are under the box of the indicator: "Settings..." and, below a divider, "Quit".
     for (const QPoint button : {QPoint(red.center().x(), red.bottom() + 24), {red.center().x(), red.bottom() + 57}}) {
         session.run({"xdotool", "mousemove", std::to_string(button.x()), std::to_string(button.y())});
-        EXPECT_TRUE(waitUntil([&] { return session.waitForArea(SystemColors::blue).contains(button); }));
+        ASSERT_TRUE(waitUntil([&] { return session.waitForArea(SystemColors::blue).contains(button); }));
     }
     helper.notify(R"({"running":false,"restart":true,"terminate":false})");
     EXPECT_EQ(session.waitForArea(SystemColors::green), red) << "the same window, still open";
