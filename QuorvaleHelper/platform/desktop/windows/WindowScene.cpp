@@ -1,5 +1,7 @@
 #include "platform/desktop/windows/WindowScene.hpp"
 
+#include "platform/desktop/windows/bringToFront.hpp"
+
 #include <QShortcut>
 #include <QVBoxLayout>
 #include <QWidget>
@@ -49,9 +51,7 @@ void WindowScene::open() {
         window_ = new Window(*this);
     }
     window_->setWindowState(window_->windowState() & ~Qt::WindowMinimized);
-    window_->show();
-    window_->raise();
-    window_->activateWindow();
+    bringToFront(*window_);
 }
 
 void WindowScene::dismiss() {
