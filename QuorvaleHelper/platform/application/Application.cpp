@@ -268,12 +268,13 @@ private:
     }
 
     /// No value if nobody has the name.
-    std::optional<Instance> otherThatRuns(const QDBusConnection& bus) const {
+    [[nodiscard]] std::optional<Instance> otherThatRuns(const QDBusConnection& bus) const {
         return bus.interface()->isServiceRegistered(identifier_) ? std::optional(Instance::anotherRuns) : std::nullopt;
     }
 
     /// No value if nobody has the name, or the one that had it ended without an answer.
-    std::optional<Instance> activateOther(const QDBusConnection& bus, const QDeadlineTimer& deadline) const {
+    [[nodiscard]] std::optional<Instance> activateOther(const QDBusConnection& bus,
+                                                        const QDeadlineTimer& deadline) const {
         auto activate = QDBusMessage::createMethodCall(identifier_, objectPath(identifier_),
                                                        QLatin1String(interfaceName), QStringLiteral("Activate"));
         // Where nobody has the name, the bus would start one more that can't have it either.
