@@ -36,6 +36,8 @@ void MenuButtonStyle::paint(QPainter& painter, const QRectF& frame, const QStrin
         frame.adjusted(MenuButton::padding, MenuButton::padding, -MenuButton::padding, -MenuButton::padding);
     painter.setPen(textColor);
     const auto leading = QStyle::visualAlignment(direction, Qt::AlignLeft) | Qt::AlignAbsolute;
+    // A text reads in its own direction, whichever the window's is.
+    painter.setLayoutDirection(label.isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
     painter.drawText(text, static_cast<int>(leading | Qt::AlignVCenter) | Qt::TextSingleLine,
                      painter.fontMetrics().elidedText(label, Qt::ElideRight, static_cast<int>(text.width())));
 }

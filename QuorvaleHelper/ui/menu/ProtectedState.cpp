@@ -85,6 +85,8 @@ void ProtectedState::paintEvent(QPaintEvent* /*event*/) {
     symbol_.paint(painter, icon, SystemColors::white);
     painter.setPen(SystemColors::white);
     const auto leading = QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft) | Qt::AlignAbsolute;
+    // A text reads in its own direction, whichever the window's is.
+    painter.setLayoutDirection(look_.text.isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
     painter.drawText(text, static_cast<int>(leading | Qt::AlignVCenter) | Qt::TextSingleLine,
                      fontMetrics().elidedText(look_.text, Qt::ElideRight, static_cast<int>(text.width())));
 }
