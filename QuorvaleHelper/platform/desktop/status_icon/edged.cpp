@@ -23,7 +23,9 @@ std::vector<double> distances(const QImage& picture, int far) {
     // First the distance within the row.
     std::vector<int> inRow;
     inRow.reserve(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
-    const auto at = [&](int x, int y) -> std::size_t { return static_cast<std::size_t>(y * width + x); };
+    const auto at = [&](int x, int y) {
+        return static_cast<std::size_t>(y) * static_cast<std::size_t>(width) + static_cast<std::size_t>(x);
+    };
     for (int y = 0; y < height; ++y) {
         for (int x = 0, last = far; x < width; ++x, last = std::min(last + 1, far)) {
             last = qAlpha(picture.pixel(x, y)) >= opaque ? 0 : last;
