@@ -18,6 +18,7 @@
 
 #include <QDBusConnection>
 #include <QGuiApplication>
+#include <QLocale>
 
 #include <cstddef>
 #include <cstdio>
@@ -66,6 +67,14 @@ MenuBarIcon menuBarIcon() {
     return MenuBarIcon::fromSymbol(ProtectedLook::of(true).symbol, ui::menu::SystemColors::blue);
 }
 
+void loadTexts() {
+    const auto loaded = ui::common::loadLocalizedTexts(QString::fromStdString(Bundle::main().resourcesPath()),
+                                                       QLocale::system().uiLanguages());
+    if (!loaded) {
+        logger().error("Failed to load the texts: %{public}s", loaded.error().toStdString());
+    }
+}
+
 std::shared_ptr<LogStore> logStore() {
     return std::make_shared<LogStore>(LogStore::Collaborators{
         .subsystems = {LogSubsystems::of(Bundle::main()).own, filterSubsystem(), helperSubsystem()},
@@ -103,6 +112,7 @@ void QuorvaleHelperApp::main(int argc, char** argv) {
         application.terminate(EXIT_FAILURE);
     }
     QuorvaleHelperApp helper(application);
+    loadTexts();
     helper.makeLogWindow();
     helper.showMenuBarExtra();
     application.run();

@@ -1,6 +1,7 @@
 #include "platform/desktop/windows/WindowScene.hpp"
 
 #include "platform/desktop/windows/bringToFront.hpp"
+#include "platform/desktop/windows/describeWindows.hpp"
 
 #include <QShortcut>
 #include <QVBoxLayout>
@@ -40,7 +41,9 @@ private:
 };
 
 WindowScene::WindowScene(Description description, QObject* parent)
-    : QObject(parent), description_(std::move(description)), size_(description_.initialSize) {}
+    : QObject(parent), description_(std::move(description)), size_(description_.initialSize) {
+    describeWindows();
+}
 
 WindowScene::~WindowScene() {
     delete window_;
