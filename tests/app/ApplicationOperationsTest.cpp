@@ -3,7 +3,6 @@
 #include "support/RecordedLog.hpp"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
