@@ -26,6 +26,7 @@ OTHER_WINDOW = (0xC0, 0x20, 0xC0)
 BARE_DESKTOP = (500, 560)
 FINGER = 40  # pixels, about 10 mm
 LEFT, RIGHT = 1, 3
+MENU = {"unprotected", "settings", "log", "quit"}
 
 
 class Failure(Exception):
@@ -81,7 +82,7 @@ def words(image):
     data = io.BytesIO()
     ImageOps.expand(gray, 20, fill=255).save(data, "PPM")
     lines = subprocess.run(
-        ["tesseract", "-", "-", "--psm", "11", "tsv"],
+        ["tesseract", "-", "-", "--psm", "12", "tsv"],
         input=data.getvalue(),
         stdout=subprocess.PIPE,
         stderr=subprocess.DEVNULL,
@@ -91,7 +92,7 @@ def words(image):
     found = {}
     for line in lines.splitlines()[1:]:
         fields = line.split("\t")
-        if word := re.sub(r"\W", "", fields[-1]):
+        if word := re.sub(r"\W", "", fields[-1]).lower():
             x, y, width, height = map(int, fields[6:10])
             found.setdefault(word, (((x + width / 2 - 20) // scale), ((y + height / 2 - 20) // scale)))
     return found
@@ -192,7 +193,7 @@ class Session:
         """The words in what is on the screen now and wasn't on the bare one."""
         screen = self.screen()
         box = ImageChops.difference(self.bare, screen).getbbox()
-        if not box or box[2] - box[0] < 40 or box[3] - box[1] < 20:
+        if not box or box[2] - box[0] < 60 or box[3] - box[1] < 60:
             return {}
         return {word: (box[0] + x, box[1] + y) for word, (x, y) in words(screen.crop(box)).items()}
 
@@ -200,7 +201,7 @@ class Session:
         """What tells this status: the window's box, or the menu's item."""
         if self.panel.opens == Opens.WINDOW:
             return area(self.screen(), GREEN if is_on else RED)
-        place = self.new_words().get("Protected" if is_on else "Unprotected")
+        place = self.new_words().get("protected" if is_on else "unprotected")
         return place and (*place, *place)
 
     def shows_nothing(self):
@@ -208,7 +209,7 @@ class Session:
         screen = self.screen()
         if self.panel.opens == Opens.WINDOW:
             return not area(screen, GREEN) and not area(screen, RED)
-        return not self.new_words().keys() & {"Protected", "Unprotected", "Settings", "Log", "Quit"}
+        return not self.new_words().keys() & MENU | {"protected"}
 
     def open(self):
         self.click(self.icon)
@@ -217,6 +218,7 @@ class Session:
 
     def close(self):
         """Whatever is open goes, however."""
+        run("xdotool", "mousemove", *map(str, BARE_DESKTOP))
         for action in (lambda: None, lambda: self.press("Escape"), lambda: self.click(BARE_DESKTOP), lambda: self.click(self.icon)):
             action()
             try:
@@ -230,7 +232,7 @@ class Session:
             self.click(self.icon, RIGHT)
         else:
             self.click(self.icon, LEFT if self.panel.opens == Opens.MENU else RIGHT)
-        return until("no menu opens", lambda: (found := self.new_words()).keys() & {"Log", "Quit"} and found)
+        return until("no menu opens", lambda: (found := self.new_words()).keys() & {"log", "quit"} and found)
 
     def choose(self, item):
         found = self.open_menu()
@@ -253,8 +255,18 @@ class Session:
         self.box = self.open()
         self.keep("open")
 
+    def around(self, box):
+        """What has come up around `box`, up to where nothing has."""
+        changed = ImageChops.difference(self.bare, self.screen()).convert("L").point(lambda value: 255 * (value > 0))
+        left, top, right, bottom = map(int, box)
+        while top > 0 and changed.crop((left, top - 1, right + 1, top)).getbbox():
+            top -= 1
+        while bottom < changed.height and changed.crop((left, bottom, right + 1, bottom + 1)).getbbox():
+            bottom += 1
+        return (left, top, right, bottom)
+
     def check_place(self):
-        across, down = gap(self.box, self.icon_box)
+        across, down = gap(self.around(self.box), self.icon_box)
         if self.panel.at_edge:
             across = 0
         if max(across, down) > FINGER:
@@ -292,7 +304,7 @@ class Session:
     def check_menu(self):
         found = self.open_menu()
         self.keep("menu")
-        missing = [item for item in ("Unprotected", "Settings", "Log", "Quit") if item not in found]
+        missing = [item for item in sorted(MENU) if item not in found]
         if missing:
             raise Failure(f"the menu lacks {', '.join(missing)}; it reads: {' '.join(found)}")
 
@@ -302,9 +314,9 @@ class Session:
     def check_log(self):
         self.other = self.spawn("other", [sys.executable, str(Path(__file__).with_name("other_window.py"))])
         until("the other window isn't shown", lambda: area(self.screen(), OTHER_WINDOW), 30)
-        self.settled()
         self.click(BARE_DESKTOP)
-        self.choose("Log")
+        self.bare = self.settled()
+        self.choose("log")
         until("the log isn't shown", self.log_shown)
         self.keep("log")
 
@@ -324,12 +336,13 @@ class Session:
             until("", lambda: not self.log_shown(), 3)
         except Failure:
             raise NotApplicable("the other window can't be put in front") from None
-        self.choose("Log")
+        self.bare = self.settled()
+        self.choose("log")
         until("the log stays behind", self.log_shown)
         self.keep("raised")
 
     def check_quit(self):
-        self.choose("Quit")
+        self.choose("quit")
         try:
             status = self.helper.wait(10)
         except subprocess.TimeoutExpired:
