@@ -138,41 +138,47 @@ TEST_F(QuorvaleHelperAppTest, RunsOnceInASession) {
 TEST_F(QuorvaleHelperAppTest, PassesItsLeaveToTakeTheFocusOnToTheOneThatRuns) {
     std::string received;
     tests::BusPeer first(sessionBus_.address(), [&](tests::BusPeer& self, sd_bus_message* call) {
-        const char* key = "";
         const char* token = "";
-        sd_bus_message_read(call, "a{sv}", 1, &key, "s", &token);
-        received = std::string(sd_bus_message_get_path(call)) + ' ' + sd_bus_message_get_interface(call) + ' ' +
-                   sd_bus_message_get_member(call) + ' ' + key + ' ' + token;
+        const char* startupId = "";
+        sd_bus_message_read(call, "a{sv}", 2, nullptr, "s", &token, nullptr, "s", &startupId);
+        received += std::string(sd_bus_message_get_path(call)) + ' ' + sd_bus_message_get_interface(call) + ' ' +
+                    sd_bus_message_get_member(call) + ' ' + token + ' ' + startupId;
         self.answer(call, "");
     });
     first.run([&] { first.own("com.quorvale.QuorvaleHelper"); });
     auto environment = HelperProcess::on(systemBus_, sessionBus_);
     environment["XDG_ACTIVATION_TOKEN"] = "token-1";
-    HelperProcess second(environment);
-    expectEnd(second, testing::IsEmpty());
+    environment["DESKTOP_STARTUP_ID"] = "id_TIME1";
+    // The session asks for no window.
+    for (const auto& arguments : std::vector<std::vector<std::string>>{{"--background"}, {"-session", "1_2"}, {}}) {
+        HelperProcess second(environment, arguments);
+        expectEnd(second, testing::IsEmpty());
+    }
     first.run([&] {
-        EXPECT_EQ(received,
-                  "/com/quorvale/QuorvaleHelper org.freedesktop.Application Activate activation-token token-1");
+        EXPECT_EQ(received, "/com/quorvale/QuorvaleHelper org.freedesktop.Application Activate token-1 id_TIME1");
     });
 }
 
 TEST_F(QuorvaleHelperAppTest, EndsWithAnErrorWhereItMayNotHaveItsName) {
     const tests::PrivateBus strictBus("com.quorvale.QuorvaleHelper");
-    HelperProcess helper(systemBus_, strictBus);
-    expectEnd(helper,
-              ElementsAre("error Failed to start: the session bus refuses the name, and no other instance answers"),
-              EXIT_FAILURE);
+    for (const auto& arguments : std::vector<std::vector<std::string>>{{}, {"--background"}}) {
+        HelperProcess helper(systemBus_, strictBus, arguments);
+        expectEnd(helper,
+                  ElementsAre("error Failed to start: the session bus refuses the name, and no other instance answers"),
+                  EXIT_FAILURE);
+    }
 }
 
-TEST_F(QuorvaleHelperAppTest, TakesNoArgumentsButTheToolkits) {
-    const std::vector<std::string> toolkits{"-platform", "offscreen", "-style", "fusion", "-session", "1_2"};
-    auto oneMore = toolkits;
+TEST_F(QuorvaleHelperAppTest, TakesNoOtherArgumentsThanTheToolkitsAndItsOwn) {
+    const std::vector<std::string> known{"-platform", "offscreen", "-style",      "fusion",
+                                         "-session",  "1_2",       "--background"};
+    auto oneMore = known;
     oneMore.emplace_back("--help");
     HelperProcess refused(systemBus_, sessionBus_, oneMore);
     EXPECT_EQ(refused.process().waitForExit(), (Process::Exit{.code = 2}));
     EXPECT_THAT(refused.process().lines(), testing::Contains("QuorvaleHelper: unknown argument: --help"));
 
-    HelperProcess helper(systemBus_, sessionBus_, toolkits);
+    HelperProcess helper(systemBus_, sessionBus_, known);
     EXPECT_TRUE(helper.logs(launched));
 }
 

@@ -1,6 +1,7 @@
 #include "platform/application/Application.hpp"
 
 #include "platform/desktop/windows/ActivationToken.hpp"
+#include "platform/desktop/windows/WindowSystem.hpp"
 #include "platform/log/Logger.hpp"
 #include "platform/log/UnifiedLog.hpp"
 
@@ -12,6 +13,7 @@
 #include <QDBusMessage>
 #include <QEvent>
 #include <QLoggingCategory>
+#include <QSessionManager>
 #include <QSocketNotifier>
 #include <QTimer>
 
@@ -151,6 +153,7 @@ constexpr int largestKeptBlock = 128 << 10;
 constexpr int answerLimit = 2000; // milliseconds
 constexpr auto interfaceName = "org.freedesktop.Application";
 const auto activationToken = QStringLiteral("activation-token");
+const auto startupId = QStringLiteral("desktop-startup-id");
 
 } // namespace
 
@@ -160,16 +163,23 @@ class Application::Session final : public QObject, protected QDBusContext {
 
 public:
     Session(int& argc, char** argv, const std::string& identifier)
-        : identifier_(QString::fromStdString(identifier)), application_(argc, argv) {
+        : identifier_(QString::fromStdString(identifier)),
+          leave_(desktop::ActivationToken::takeOwn()),
+          application_(argc, argv) {
         QApplication::setDesktopFileName(identifier_);
         QApplication::setApplicationName(identifier_);
         QApplication::setQuitOnLastWindowClosed(false);
+        // Whatever starts it with the session does so with the next one.
+        const auto neverRestart = [](QSessionManager& manager) {
+            manager.setRestartHint(QSessionManager::RestartNever);
+        };
+        connect(&application_, &QApplication::commitDataRequest, this, neverRestart, Qt::DirectConnection);
+        connect(&application_, &QApplication::saveStateRequest, this, neverRestart, Qt::DirectConnection);
         // The user's logging rules may silence it, but we need its warnings.
         QLoggingCategory::defaultCategory()->setEnabled(QtWarningMsg, true);
     }
 
-    Instance claim() {
-        const auto token = desktop::ActivationToken::takeOwn();
+    Instance claim(Wish wish) {
         auto bus = QDBusConnection::sessionBus();
         if (!bus.isConnected()) {
             return Instance::noSessionBus;
@@ -182,13 +192,18 @@ public:
         if (bus.registerService(identifier_)) {
             return Instance::first;
         }
+        if (wish == Wish::toRun || application_.isSessionRestored()) {
+            return bus.interface()->isServiceRegistered(identifier_) ? Instance::anotherRuns : Instance::nameRefused;
+        }
         auto activate = QDBusMessage::createMethodCall(identifier_, objectPath(identifier_),
                                                        QLatin1String(interfaceName), QStringLiteral("Activate"));
         // Where nobody has the name, the bus would start one more that can't have it either.
         activate.setAutoStartService(false);
         QVariantMap platformData;
-        if (!token.isEmpty()) {
-            platformData.insert(activationToken, token);
+        for (const auto& [key, value] : {std::pair(activationToken, leave_.token), {startupId, leave_.startupId}}) {
+            if (!value.isEmpty()) {
+                platformData.insert(key, value);
+            }
         }
         activate << platformData;
         const auto reply = bus.call(activate, QDBus::Block, answerLimit);
@@ -248,7 +263,11 @@ private Q_SLOTS:
 
 private:
     static desktop::ActivationToken tokenIn(const QVariantMap& platformData) {
-        return desktop::ActivationToken(platformData.value(activationToken).toString());
+        const auto token = platformData.value(activationToken).toString();
+        const auto id = platformData.value(startupId).toString();
+        const bool isX11 = desktop::windowSystem() == desktop::WindowSystem::X11;
+        const bool prefersId = isX11 ? !id.isEmpty() : token.isEmpty();
+        return desktop::ActivationToken(prefersId ? id : token);
     }
 
     void watchSignals() {
@@ -266,6 +285,7 @@ private:
     }
 
     const QString identifier_;
+    const desktop::ActivationToken::Own leave_;
     Toolkit application_;
 };
 
@@ -280,8 +300,8 @@ Application::Application(int& argc, char** argv, const std::string& identifier) 
 
 Application::~Application() = default;
 
-Instance Application::claimInstance() {
-    return session_->claim();
+Instance Application::claimInstance(Wish wish) {
+    return session_->claim(wish);
 }
 
 void Application::setActivationHandler(std::function<void()> handler) {
