@@ -115,7 +115,7 @@ type=worldclock
     "cinnamon": Panel(
         [
             ("/usr/bin/python3 -m dbusmock --system --template logind", "sleep 1"),
-            ("$(ls /usr/lib*/xapps/xapp-sn-watcher /usr/lib/*/xapps/xapp-sn-watcher)", "sleep 1"),
+            ("/usr/libexec/xapps/sn-watcher/xapp-sn-watcher", "true"),
             ("cinnamon --replace", HOST),
         ],
         environment={"XDG_CURRENT_DESKTOP": "X-Cinnamon", "GSETTINGS_BACKEND": "keyfile"},

@@ -73,16 +73,36 @@ def gap(one, other):
     return tuple(max(0, one[i] - other[i + 2], other[i] - one[i + 2]) for i in (0, 1))
 
 
+def largest_change(before, after):
+    """The bounds of the largest area that has changed, or nothing if that is no more than an icon."""
+    cell = 16
+    changed = ImageChops.difference(before, after).convert("L").point(lambda value: 255 * (value > 0))
+    coarse = changed.resize((changed.width // cell, changed.height // cell), Image.BOX)
+    left = {(x, y) for x in range(coarse.width) for y in range(coarse.height) if coarse.getpixel((x, y)) > 8}
+    largest = set()
+    while left:
+        reached, edge = set(), {left.pop()}
+        while edge:
+            reached |= edge
+            edge = {(x + i, y + j) for x, y in edge for i, j in ((0, 1), (1, 0), (0, -1), (-1, 0))} & left
+            left -= edge
+        largest = max(largest, reached, key=len)
+    if len(largest) < 15:
+        return None
+    columns, rows = zip(*largest)
+    return tuple(cell * value for value in (min(columns), min(rows), max(columns) + 1, max(rows) + 1))
+
+
 def words(image):
     """The words in the picture with their centres."""
     scale = 3
-    gray = ImageOps.autocontrast(image.convert("L").resize((image.width * scale, image.height * scale), Image.LANCZOS))
+    gray = image.convert("L").resize((image.width * scale, image.height * scale), Image.LANCZOS)
     if ImageStat.Stat(gray).median[0] < 128:
         gray = ImageOps.invert(gray)
     data = io.BytesIO()
-    ImageOps.expand(gray, 20, fill=255).save(data, "PPM")
+    ImageOps.expand(gray, 20, fill=ImageStat.Stat(gray).median[0]).save(data, "PPM")
     lines = subprocess.run(
-        ["tesseract", "-", "-", "--psm", "12", "tsv"],
+        ["tesseract", "-", "-", "--psm", "11", "tsv"],
         input=data.getvalue(),
         stdout=subprocess.PIPE,
         stderr=subprocess.DEVNULL,
@@ -180,7 +200,7 @@ class Session:
             strip = screen.crop((0, top, screen.width, bottom))
             # The shield's gradient, and what scaling makes of it.
             box = is_in(strip, (36, 100, 205), (72, 150, 245)).getbbox()
-            if box and 10 <= box[2] - box[0] <= 48 and 12 <= box[3] - box[1] <= 48:
+            if box and 8 <= box[2] - box[0] <= 48 and 8 <= box[3] - box[1] <= 48:
                 return (box[0], box[1] + top, box[2], box[3] + top)
         return None
 
@@ -192,8 +212,8 @@ class Session:
     def new_words(self):
         """The words in what is on the screen now and wasn't on the bare one."""
         screen = self.screen()
-        box = ImageChops.difference(self.bare, screen).getbbox()
-        if not box or box[2] - box[0] < 60 or box[3] - box[1] < 60:
+        box = largest_change(self.bare, screen)
+        if not box:
             return {}
         return {word: (box[0] + x, box[1] + y) for word, (x, y) in words(screen.crop(box)).items()}
 
@@ -374,7 +394,9 @@ class Session:
             if name == "raise" and hasattr(self, "other"):
                 self.other.terminate()
                 self.other.wait()
-                self.close()
+                self.press("Escape")
+                until("", lambda: not self.log_shown())
+                self.bare = self.settled()
             print(f"  {name:10} {time.monotonic() - started:5.1f} s  {' '.join(results[name])}", flush=True)
         return results
 
