@@ -91,8 +91,8 @@ struct Sight {
     }
 
     friend void PrintTo(const Sight& sight, std::ostream* out) {
-        const auto& [lines, applied, isAlive, accepts, held] = sight;
-        *out << testing::PrintToString(std::tuple(lines, applied, isAlive, accepts, held));
+        *out << testing::PrintToString(
+            std::tuple(sight.lines, sight.applied, sight.isAlive, sight.accepts, sight.held));
     }
 };
 
