@@ -229,7 +229,7 @@ class Session:
         screen = self.screen()
         if self.panel.opens == Opens.WINDOW:
             return not area(screen, GREEN) and not area(screen, RED)
-        return not self.new_words().keys() & MENU | {"protected"}
+        return not self.new_words().keys() & (MENU | {"protected"})
 
     def open(self):
         self.click(self.icon)
@@ -248,10 +248,7 @@ class Session:
                 pass
 
     def open_menu(self):
-        if self.panel.menu_keys:
-            self.click(self.icon, RIGHT)
-        else:
-            self.click(self.icon, LEFT if self.panel.opens == Opens.MENU else RIGHT)
+        self.click(self.icon, LEFT if self.panel.opens == Opens.MENU else RIGHT)
         return until("no menu opens", lambda: (found := self.new_words()).keys() & {"log", "quit"} and found)
 
     def choose(self, item):
