@@ -2,6 +2,7 @@
 
 #include "agent_link/HelperXPC.hpp"
 #include "app/ApplicationOperations.hpp"
+#include "app/CommandLine.hpp"
 #include "app/HelperIdentity.hpp"
 #include "app/StartUp.hpp"
 #include "platform/bundle/Bundle.hpp"
@@ -46,7 +47,6 @@ using ui::logs::LogStore;
 using ui::menu::ProtectedLook;
 
 constexpr int usageError = 2;
-constexpr std::string_view background = "--background";
 constexpr double iconSize = 18;
 constexpr auto title = "Quorvale Helper";
 constexpr auto logWindowIdentifier = "log-viewer";
@@ -85,17 +85,18 @@ std::shared_ptr<LogStore> logStore() {
 } // namespace
 
 void QuorvaleHelperApp::main(int argc, char** argv) {
-    Application application(argc, argv, identifier());
-    auto wish = Wish::toSee;
-    // What is the toolkit's has been taken out.
-    for (const std::string_view argument : std::span(argv, static_cast<std::size_t>(argc)).subspan(1)) {
-        if (argument != background) {
-            std::fprintf(stderr, "QuorvaleHelper: unknown argument: %s\n", std::string(argument).c_str());
-            application.terminate(usageError);
-        }
-        wish = Wish::toRun;
+    const auto line = CommandLine::parse(std::span(argv, static_cast<std::size_t>(argc)));
+    if (!line) {
+        std::fprintf(stderr, "QuorvaleHelper: unknown argument: %s\n", line.error().c_str());
+        std::exit(usageError);
     }
-    switch (application.claimInstance(wish)) {
+    if (line->request != CommandLine::Request::run) {
+        const auto text = line->request == CommandLine::Request::help ? helpText() : versionText();
+        std::fputs(text.c_str(), stdout);
+        std::exit(std::fflush(stdout) == 0 ? EXIT_SUCCESS : EXIT_FAILURE);
+    }
+    Application application(argc, argv, identifier());
+    switch (application.claimInstance(line->background ? Wish::toRun : Wish::toSee)) {
     case Instance::first:
         break;
     case Instance::anotherRuns:

@@ -22,8 +22,8 @@ using OpenWindowAction = std::function<void(std::string_view identifier)>;
 class QuorvaleHelperApp {
 public:
     /// Runs the application. A second one in the same session activates the first and ends at once; with
-    /// "--background", or restored by the session manager, it only ends. Besides the toolkit's arguments any other ends
-    /// the process with status 2.
+    /// "--background", or restored by the session manager, it only ends. Whatever else the arguments ask for needs
+    /// neither a display nor a bus; one that is not known ends the process with status 2.
     [[noreturn]] static void main(int argc, char** argv);
 
     /// Runs the start-up sequence.

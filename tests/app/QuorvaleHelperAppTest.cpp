@@ -7,8 +7,11 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <array>
+#include <atomic>
 #include <csignal>
 #include <cstdlib>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -135,6 +138,31 @@ TEST_F(QuorvaleHelperAppTest, RunsOnceInASession) {
     expectEnd(third, ElementsAre("error Failed to start: the helper that already runs does not answer"), EXIT_FAILURE);
 }
 
+TEST_F(QuorvaleHelperAppTest, RunsOnceAlsoWhereTwoStartAtTheSameMoment) {
+    for (int round = 0; round < 20; ++round) {
+        std::array<std::unique_ptr<HelperProcess>, 2> helpers;
+        for (auto& helper : helpers) {
+            helper = std::make_unique<HelperProcess>(systemBus_, sessionBus_);
+        }
+        const auto runs = [](const auto& helper) { return helper->process().running(); };
+        ASSERT_TRUE(tests::waitUntil([&] { return std::ranges::count_if(helpers, runs) == 1; }));
+        const bool isFirst = runs(helpers[0]);
+        expectEnd(*helpers[isFirst ? 1 : 0], testing::IsEmpty());
+        ASSERT_TRUE(helpers[isFirst ? 0 : 1]->logs(launched));
+    }
+}
+
+TEST_F(QuorvaleHelperAppTest, TakesThePlaceOfOneThatEndsInsteadOfAnswering) {
+    std::atomic<bool> isAsked = false;
+    auto first = std::make_unique<tests::BusPeer>(sessionBus_.address(),
+                                                  [&](tests::BusPeer&, sd_bus_message*) { isAsked = true; });
+    first->run([&] { first->own("com.quorvale.QuorvaleHelper"); });
+    HelperProcess helper(systemBus_, sessionBus_);
+    ASSERT_TRUE(tests::waitUntil([&] { return isAsked.load(); }));
+    first.reset();
+    EXPECT_TRUE(helper.logs(launched));
+}
+
 TEST_F(QuorvaleHelperAppTest, PassesItsLeaveToTakeTheFocusOnToTheOneThatRuns) {
     std::string received;
     tests::BusPeer first(sessionBus_.address(), [&](tests::BusPeer& self, sd_bus_message* call) {
@@ -169,15 +197,35 @@ TEST_F(QuorvaleHelperAppTest, EndsWithAnErrorWhereItMayNotHaveItsName) {
     }
 }
 
-TEST_F(QuorvaleHelperAppTest, TakesNoOtherArgumentsThanTheToolkitsAndItsOwn) {
-    const std::vector<std::string> known{"-platform", "offscreen", "-style",      "fusion",
-                                         "-session",  "1_2",       "--background"};
-    auto oneMore = known;
-    oneMore.emplace_back("--help");
-    HelperProcess refused(systemBus_, sessionBus_, oneMore);
-    EXPECT_EQ(refused.process().waitForExit(), (Process::Exit{.code = 2}));
-    EXPECT_THAT(refused.process().lines(), testing::Contains("QuorvaleHelper: unknown argument: --help"));
+TEST_F(QuorvaleHelperAppTest, KnowsItsArgumentsWithoutADesktop) {
+    const HelperProcess::Environment nowhere{{"DBUS_SESSION_BUS_ADDRESS", "unix:path=/nowhere"},
+                                             {"DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nowhere"},
+                                             {"DISPLAY", std::nullopt},
+                                             {"WAYLAND_DISPLAY", std::nullopt},
+                                             {"QT_QPA_PLATFORM", std::nullopt}};
+    const std::vector<std::string> known{"--background", "-platform", "offscreen", "--session",
+                                         "1_2",          "-reverse",  "-style",    "fusion"};
 
+    const struct {
+        std::vector<std::string> arguments;
+        int status;
+        const char* firstLine;
+    } cases[] = {
+        {{"--help", "--wrong"}, 0, "Usage: QuorvaleHelper [OPTION...]"},
+        {{"--version"}, 0, "QuorvaleHelper 1.0.0 (1)"},
+        {{"-platform", "--help", "--wrong"}, 2, "QuorvaleHelper: unknown argument: --wrong"},
+        {{"wrong"}, 2, "QuorvaleHelper: unknown argument: wrong"},
+        {{""}, 2, "QuorvaleHelper: unknown argument: "},
+    };
+
+    for (const auto& [arguments, status, firstLine] : cases) {
+        auto all = known;
+        all.insert(all.end(), arguments.begin(), arguments.end());
+        HelperProcess helper(nowhere, all);
+        EXPECT_EQ(helper.process().waitForExit(), (Process::Exit{.code = status})) << firstLine;
+        ASSERT_THAT(helper.process().lines(), testing::Not(testing::IsEmpty()));
+        EXPECT_EQ(helper.process().lines().front(), firstLine);
+    }
     HelperProcess helper(systemBus_, sessionBus_, known);
     EXPECT_TRUE(helper.logs(launched));
 }

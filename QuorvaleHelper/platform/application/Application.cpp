@@ -11,12 +11,15 @@
 #include <QDBusContext>
 #include <QDBusError>
 #include <QDBusMessage>
+#include <QDBusReply>
+#include <QDeadlineTimer>
 #include <QEvent>
 #include <QLoggingCategory>
 #include <QSessionManager>
 #include <QSocketNotifier>
 #include <QTimer>
 
+#include <algorithm>
 #include <atomic>
 #include <climits>
 #include <csignal>
@@ -28,6 +31,7 @@
 #include <malloc.h>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <sys/eventfd.h>
 #include <unistd.h>
 #include <utility>
@@ -189,28 +193,21 @@ public:
                     QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"), this,
                     SLOT(busDisconnected()));
         bus.registerObject(objectPath(identifier_), this, QDBusConnection::ExportScriptableSlots);
-        if (bus.registerService(identifier_)) {
-            return Instance::first;
-        }
-        if (wish == Wish::toRun || application_.isSessionRestored()) {
-            return bus.interface()->isServiceRegistered(identifier_) ? Instance::anotherRuns : Instance::nameRefused;
-        }
-        auto activate = QDBusMessage::createMethodCall(identifier_, objectPath(identifier_),
-                                                       QLatin1String(interfaceName), QStringLiteral("Activate"));
-        // Where nobody has the name, the bus would start one more that can't have it either.
-        activate.setAutoStartService(false);
-        QVariantMap platformData;
-        for (const auto& [key, value] : {std::pair(activationToken, leave_.token), {startupId, leave_.startupId}}) {
-            if (!value.isEmpty()) {
-                platformData.insert(key, value);
+        const bool isToBeSeen = wish == Wish::toSee && !application_.isSessionRestored();
+        const QDeadlineTimer deadline(answerLimit);
+        while (true) {
+            const auto claimed = bus.interface()->registerService(identifier_);
+            if (claimed.isValid() && claimed.value() == QDBusConnectionInterface::ServiceRegistered) {
+                return Instance::first;
             }
+            if (const auto other = isToBeSeen ? activateOther(bus, deadline) : otherThatRuns(bus)) {
+                return *other;
+            }
+            if (!claimed.isValid() || deadline.hasExpired()) {
+                return Instance::nameRefused;
+            }
+            // The one that had the name has just ended.
         }
-        activate << platformData;
-        const auto reply = bus.call(activate, QDBus::Block, answerLimit);
-        if (reply.type() != QDBusMessage::ErrorMessage) {
-            return Instance::anotherRuns;
-        }
-        return QDBusError(reply).type() == QDBusError::NoReply ? Instance::anotherHangs : Instance::nameRefused;
     }
 
     void setDelegate(ApplicationDelegate& delegate) {
@@ -268,6 +265,39 @@ private:
         const bool isX11 = desktop::windowSystem() == desktop::WindowSystem::X11;
         const bool prefersId = isX11 ? !id.isEmpty() : token.isEmpty();
         return desktop::ActivationToken(prefersId ? id : token);
+    }
+
+    /// No value if nobody has the name.
+    [[nodiscard]] std::optional<Instance> otherThatRuns(const QDBusConnection& bus) const {
+        return bus.interface()->isServiceRegistered(identifier_) ? std::optional(Instance::anotherRuns) : std::nullopt;
+    }
+
+    /// No value if nobody has the name, or the one that had it ended without an answer.
+    [[nodiscard]] std::optional<Instance> activateOther(const QDBusConnection& bus,
+                                                        const QDeadlineTimer& deadline) const {
+        auto activate = QDBusMessage::createMethodCall(identifier_, objectPath(identifier_),
+                                                       QLatin1String(interfaceName), QStringLiteral("Activate"));
+        // Where nobody has the name, the bus would start one more that can't have it either.
+        activate.setAutoStartService(false);
+        QVariantMap platformData;
+        for (const auto& [key, value] : {std::pair(activationToken, leave_.token), {startupId, leave_.startupId}}) {
+            if (!value.isEmpty()) {
+                platformData.insert(key, value);
+            }
+        }
+        activate << platformData;
+        const auto timeout = std::max<qint64>(deadline.remainingTime(), 1);
+        const auto reply = bus.call(activate, QDBus::Block, static_cast<int>(timeout));
+        if (reply.type() != QDBusMessage::ErrorMessage) {
+            return Instance::anotherRuns;
+        }
+        const QDBusError error(reply);
+        if (error.type() == QDBusError::NoReply) {
+            return deadline.hasExpired() ? std::optional(Instance::anotherHangs) : std::nullopt;
+        }
+        const bool isGone = error.type() == QDBusError::ServiceUnknown ||
+                            error.name() == QLatin1String("org.freedesktop.DBus.Error.NameHasNoOwner");
+        return isGone ? std::nullopt : std::optional(Instance::nameRefused);
     }
 
     void watchSignals() {

@@ -184,8 +184,8 @@ TextEntries textEntriesOfPropertyList(std::string_view contents) {
         return entries;
     }
     plist_t parsed = nullptr;
-    // Named by its format: what tells formats apart takes more arguments in newer releases, and other formats too.
-    const auto parse = contents.starts_with(binaryMagic) ? &plist_from_bin : &plist_from_xml;
+    // Newer libraries know more formats. Asked for one of these two, they don't guess.
+    const auto parse = contents.starts_with(binaryMagic) ? plist_from_bin : plist_from_xml;
     parse(contents.data(), static_cast<std::uint32_t>(contents.size()), &parsed);
     const Node root(parsed);
     if (!root || plist_get_node_type(root.get()) != PLIST_DICT) {
