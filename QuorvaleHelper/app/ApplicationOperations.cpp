@@ -22,23 +22,18 @@ std::optional<std::filesystem::path> mainApplicationPath(const std::filesystem::
 }
 
 void openMainApplication() {
-    const platform::workspace::Workspace workspace;
     openMainApplication(
         platform::bundle::Bundle::main().bundlePath(),
-        [&](const std::string& path) { return workspace.openApplication(path); }, logger());
+        [](const std::string& path) { platform::workspace::Workspace{}.openApplication(path); }, logger());
 }
 
 void openMainApplication(const std::filesystem::path& helperBundlePath,
-                         const std::function<std::expected<void, std::string>(const std::string&)>& open,
-                         const platform::log::Logger& logger) {
-    const auto path = mainApplicationPath(helperBundlePath);
-    if (!path || path->empty()) {
+                         const std::function<void(const std::string&)>& open, const platform::log::Logger& logger) {
+    if (const auto path = mainApplicationPath(helperBundlePath)) {
+        open(path->string());
+    } else {
         logger.error("Failed to open the main application: %{public}s",
                      "the helper is not inside it: " + helperBundlePath.string());
-        return;
-    }
-    if (const auto opened = open(path->string()); !opened) {
-        logger.error("Failed to open the main application: %{public}s", opened.error());
     }
 }
 

@@ -2,7 +2,6 @@
 
 #include "platform/log/Logger.hpp"
 
-#include <expected>
 #include <filesystem>
 #include <functional>
 #include <optional>
@@ -14,12 +13,12 @@ namespace quorvale::app {
 /// than four components, the leading slash counted as one.
 std::optional<std::filesystem::path> mainApplicationPath(const std::filesystem::path& helperBundlePath);
 
-/// Opens the main application in which the helper's bundle lies. What can't be opened is one error line. Main thread.
+/// Asks for the main application in which the helper's bundle lies to be opened. Whether it is, nobody learns. A helper
+/// that can't lie in one, by its path, is one error line. Main thread.
 void openMainApplication();
 
-/// The same for a helper at another place; `open` starts the bundle at a path or says why it can't.
+/// The same for a helper at another place; `open` asks for the bundle at a path to be opened.
 void openMainApplication(const std::filesystem::path& helperBundlePath,
-                         const std::function<std::expected<void, std::string>(const std::string&)>& open,
-                         const platform::log::Logger& logger);
+                         const std::function<void(const std::string&)>& open, const platform::log::Logger& logger);
 
 } // namespace quorvale::app

@@ -2,6 +2,7 @@
 
 #include "agent_link/HelperXPC.hpp"
 #include "app/ApplicationOperations.hpp"
+#include "app/CommandLine.hpp"
 #include "app/HelperIdentity.hpp"
 #include "app/StartUp.hpp"
 #include "platform/bundle/Bundle.hpp"
@@ -13,14 +14,21 @@
 #include "ui/menu/ProtectedState.hpp"
 #include "ui/menu/SystemColors.hpp"
 #include "ui/menu/WindowBarStyle.hpp"
+#include "ui/menu/protectedSymbol.hpp"
 
 #include <QDBusConnection>
 #include <QGuiApplication>
+#include <QLocale>
 
+#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
+#include <optional>
+#include <span>
 #include <string>
+#include <string_view>
 #include <utility>
+#include <vector>
 
 namespace quorvale::app {
 
@@ -28,6 +36,7 @@ namespace {
 
 using platform::application::Application;
 using platform::application::Instance;
+using platform::application::Wish;
 using platform::bundle::Bundle;
 using platform::desktop::MenuBarExtra;
 using platform::desktop::MenuBarIcon;
@@ -58,6 +67,14 @@ MenuBarIcon menuBarIcon() {
     return MenuBarIcon::fromSymbol(ProtectedLook::of(true).symbol, ui::menu::SystemColors::blue);
 }
 
+void loadTexts() {
+    const auto loaded = ui::common::loadLocalizedTexts(QString::fromStdString(Bundle::main().resourcesPath()),
+                                                       QLocale::system().uiLanguages());
+    if (!loaded) {
+        logger().error("Failed to load the texts: %{public}s", loaded.error().toStdString());
+    }
+}
+
 std::shared_ptr<LogStore> logStore() {
     return std::make_shared<LogStore>(LogStore::Collaborators{
         .subsystems = {LogSubsystems::of(Bundle::main()).own, filterSubsystem(), helperSubsystem()},
@@ -68,13 +85,18 @@ std::shared_ptr<LogStore> logStore() {
 } // namespace
 
 void QuorvaleHelperApp::main(int argc, char** argv) {
-    Application application(argc, argv, identifier());
-    // What is the toolkit's has been taken out.
-    if (argc > 1) {
-        std::fprintf(stderr, "QuorvaleHelper: unknown argument: %s\n", argv[1]);
-        application.terminate(usageError);
+    const auto line = CommandLine::parse(std::span(argv, static_cast<std::size_t>(argc)));
+    if (!line) {
+        std::fprintf(stderr, "QuorvaleHelper: unknown argument: %s\n", line.error().c_str());
+        std::exit(usageError);
     }
-    switch (application.claimInstance()) {
+    if (line->request != CommandLine::Request::run) {
+        const auto text = line->request == CommandLine::Request::help ? helpText() : versionText();
+        std::fputs(text.c_str(), stdout);
+        std::exit(std::fflush(stdout) == 0 ? EXIT_SUCCESS : EXIT_FAILURE);
+    }
+    Application application(argc, argv, identifier());
+    switch (application.claimInstance(line->background ? Wish::toRun : Wish::toSee)) {
     case Instance::first:
         break;
     case Instance::anotherRuns:
@@ -90,6 +112,7 @@ void QuorvaleHelperApp::main(int argc, char** argv) {
         application.terminate(EXIT_FAILURE);
     }
     QuorvaleHelperApp helper(application);
+    loadTexts();
     helper.makeLogWindow();
     helper.showMenuBarExtra();
     application.run();
@@ -124,28 +147,39 @@ void QuorvaleHelperApp::showMenuBarExtra() {
     const auto bus = QDBusConnection::sessionBus();
     auto icon = menuBarIcon();
     QGuiApplication::setWindowIcon(icon.icon());
-    menuBarExtra_ =
-        std::make_unique<MenuBarExtra>(bus, platform::desktop::StatusNotifierItem::Description{
-                                                QString::fromStdString(identifier()),
-                                                QString::fromLatin1(title),
-                                                std::move(icon),
-                                                {{logWindow_->title(), [this] { openWindow_(logWindowIdentifier); }}}});
+    const ui::menu::WindowBarStyle::Actions actions{
+        .dismiss = [this] { menuBarExtra_->dismiss(); },
+        .openMainApplication = [] { openMainApplication(); },
+        .quitApplication = [this] { application_.terminate(); },
+    };
+    const std::vector<MenuBarExtra::MenuSection> menu{
+        {{QStringLiteral("Settings..."),
+          [actions] {
+              actions.dismiss();
+              actions.openMainApplication();
+          }},
+         {logWindow_->title(), [this] { openWindow_(logWindowIdentifier); }}},
+        {{QStringLiteral("Quit"), actions.quitApplication}}};
+    menuBarExtra_ = std::make_unique<MenuBarExtra>(
+        bus,
+        platform::desktop::StatusNotifierItem::Description{QString::fromStdString(identifier()),
+                                                           QString::fromLatin1(title), std::move(icon)},
+        menu);
     auto& extra = *menuBarExtra_;
     QObject::connect(&extra, &MenuBarExtra::failed,
                      [](const QString& what) { logger().error("%{public}s", what.toStdString()); });
-    extra.setContent([this, &extra, &statusManager, &mainQueue] {
-        return std::make_unique<ui::menu::WindowBarStyle>(statusManager, mainQueue, iconSize,
-                                                          ui::menu::WindowBarStyle::Actions{
-                                                              .dismiss = [&extra] { extra.dismiss(); },
-                                                              .openMainApplication = [] { openMainApplication(); },
-                                                              .quitApplication = [this] { application_.terminate(); },
-                                                          });
+    extra.setContent([&statusManager, &mainQueue, actions] {
+        return std::make_unique<ui::menu::WindowBarStyle>(statusManager, mainQueue, iconSize, actions);
     });
-    const auto showStatus = [&extra, &statusManager] {
-        extra.setStatusText(ProtectedLook::of(statusManager.status()).text);
+    auto showStatus = [&extra, &statusManager, shown = std::optional<bool>()]() mutable {
+        const auto status = statusManager.status();
+        if (std::exchange(shown, status) != status) {
+            const auto look = ProtectedLook::of(status);
+            extra.setStatus(look.text, ui::menu::protectedSymbol(look));
+        }
     };
     showStatus();
-    statusTextUpdates_ = objectDidChange(statusManager, mainQueue, showStatus);
+    statusUpdates_ = objectDidChange(statusManager, mainQueue, std::move(showStatus));
     application_.setActivationHandler([&extra] { extra.show(); });
 }
 

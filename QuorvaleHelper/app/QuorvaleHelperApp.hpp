@@ -21,8 +21,9 @@ using OpenWindowAction = std::function<void(std::string_view identifier)>;
 /// The menu-bar application: the objects that live as long as the process, and the scenes that show them. Main thread.
 class QuorvaleHelperApp {
 public:
-    /// Runs the application. A second one in the same session activates the first and ends at once. It takes no
-    /// arguments but the toolkit's; any other ends the process with status 2.
+    /// Runs the application. A second one in the same session activates the first and ends at once; with
+    /// "--background", or restored by the session manager, it only ends. Whatever else the arguments ask for needs
+    /// neither a display nor a bus; one that is not known ends the process with status 2.
     [[noreturn]] static void main(int argc, char** argv);
 
     /// Runs the start-up sequence.
@@ -41,7 +42,7 @@ private:
     platform::desktop::ColorSchemeFollower colorScheme_;
     std::unique_ptr<platform::desktop::WindowScene> logWindow_;
     std::unique_ptr<platform::desktop::MenuBarExtra> menuBarExtra_;
-    platform::observable::Subscription statusTextUpdates_;
+    platform::observable::Subscription statusUpdates_;
 };
 
 } // namespace quorvale::app

@@ -59,9 +59,9 @@ void add(const std::string& name, const Comparison::Operation& operation) {
 std::size_t allocationsOf(const Comparison::Operation& operation) {
     operation();
     operation();
-    const auto before = tests::allocations();
+    const auto before = allocations();
     operation();
-    return tests::allocations() - before;
+    return allocations() - before;
 }
 
 /// Prints the comparison's line; whether all that is demanded is met.

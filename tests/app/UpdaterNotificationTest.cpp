@@ -1,9 +1,10 @@
 #include "app/UpdaterNotification.hpp"
 
+#include "app/AppState.hpp"
+#include "platform/json/JSONEncoder.hpp"
 #include "support/RecordedLog.hpp"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
@@ -54,6 +55,11 @@ TEST_F(UpdaterNotificationTest, ActsOnEveryCombinationOfFlagsInOneOrder) {
         EXPECT_EQ(done_, expectedActions) << flags;
         EXPECT_EQ(std::vector(lines.begin() + before, lines.end()), expectedLines) << flags;
     }
+}
+
+TEST(AppStateTest, IsReadFromWhatItIsWrittenAs) {
+    const AppState state{.running = true, .restart = false, .terminate = true};
+    EXPECT_EQ(decodeAppState(platform::json::JSONEncoder{}.encode(state)), state);
 }
 
 TEST_F(UpdaterNotificationTest, SaysInOneLineWhyItTakesNothing) {

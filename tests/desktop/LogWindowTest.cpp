@@ -1,6 +1,10 @@
 #include "desktop/DesktopSession.hpp"
+#include "ui/menu/SystemColors.hpp"
 
 #include <gtest/gtest.h>
+
+#include <algorithm>
+#include <span>
 
 namespace quorvale {
 
@@ -53,12 +57,17 @@ protected:
 
     void openFromTheIcon() const {
         session.click(session.icon(), DesktopSession::Button::right);
-        // The menu takes a moment to come, and keys before that go elsewhere.
+        // The menu takes a moment to come, and keys before that go elsewhere. Its first line has the status's symbol.
         EXPECT_TRUE(waitUntil([&] {
-            session.press("Down");
-            session.press("Return");
-            return !session.window("Log").isEmpty();
+            const auto screen = session.screenshot();
+            const std::span pixels(reinterpret_cast<const QRgb*>(screen.constBits()),
+                                   static_cast<std::size_t>(screen.width()) *
+                                       static_cast<std::size_t>(screen.height()));
+            return std::ranges::find(pixels, ui::menu::SystemColors::red.rgb()) != pixels.end();
         }));
+        for (const auto* key : {"Down", "Down", "Down", "Return"}) {
+            session.press(key);
+        }
     }
 
     DesktopSession session{GetParam().options};

@@ -5,7 +5,6 @@
 #include "support/PrivateBus.hpp"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <iterator>

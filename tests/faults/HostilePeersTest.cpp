@@ -4,6 +4,7 @@
 #include <functional>
 #include <iterator>
 #include <map>
+#include <sstream>
 
 namespace quorvale::tests {
 
@@ -22,35 +23,17 @@ const std::vector<std::string> paths{clientPath, "/", "/com/quorvale", "/com/quo
 
 /// Arguments as the raw peer words them. The deep ones go as far as the bus lets them: 64 levels, of which an element
 /// of a dictionary is three.
-const std::vector<std::string> bodies{
-    "",
-    "b",
-    "s",
-    "d",
-    "v",
-    "h",
-    "as",
-    "bb",
-    "ss",
-    "a{ss}",
-    "a{sv}",
-    "asa{sv}",
-    "sava{sv}",
-    "a{sv}ssssd",
-    "a{sv}ssssi",
-    "(a{sv}av)",
-    "a(sa{sv})",
-    "v 1 62 v",
-    "a{sv} 1 20",
-    "a{sv} 1 60 v",
-    "sava{sv} 1 30 av",
-    "ay 100000",
-    "s 100000",
-    "as 10000",
-    "a{sv} 20000",
-    "a{sv}ssssd 20000",
-    "sava{sv} 20000",
-};
+const auto bodies = [] {
+    std::istringstream list(
+        "|b|s|d|v|h|as|bb|ss|a{ss}|a{sv}|asa{sv}|sava{sv}|a{sv}ssssd|a{sv}ssssi|(a{sv}av)|a(sa{sv})|v 1 62 v|"
+        "a{sv} 1 20|a{sv} 1 60 v|sava{sv} 1 30 av|ay 100000|s 100000|as 10000|a{sv} 20000|a{sv}ssssd 20000|sava{sv} "
+        "20000");
+    std::vector<std::string> all;
+    for (std::string body; std::getline(list, body, '|');) {
+        all.push_back(body);
+    }
+    return all;
+}();
 
 std::string signatureOf(const std::string& body) {
     return body.substr(0, body.find(' '));

@@ -63,7 +63,7 @@ private:
 void outlivesItsLog(HelperProcess& helper, const PrivateBus& sessionBus) {
     ASSERT_TRUE(waitUntil([&] { return helper.icon().has_value(); }));
     RawPeerProcess updater(sessionBus);
-    updater.obey(std::vector<std::string>(200, "signal - /x com.quorvale.DistributedNotification QuorvaleHelper s"));
+    updater.obey(std::vector<std::string>(1000, "signal - /x com.quorvale.DistributedNotification QuorvaleHelper s"));
     helper.notify(R"({"running":true,"restart":false,"terminate":false})");
     EXPECT_TRUE(helper.shows("Protected"));
     FaultsTest::end(helper);
@@ -89,7 +89,9 @@ TEST_F(MachineFaultsTest, RunsOnWhenTheJournalStops) {
 }
 
 TEST_F(MachineFaultsTest, RunsOnWhenNobodyReadsItsErrors) {
-    HelperProcess helper(environment_, {}, {}, Process::ErrorOutput::Unread);
+    HelperProcess helper(
+        environment_, {},
+        {"sh", "-c", R"(pipe=$(mktemp -u); mkfifo "$pipe"; exec 2<>"$pipe"; rm "$pipe"; exec "$0" "$@")"});
     outlivesItsLog(helper, sessionBus_);
 }
 

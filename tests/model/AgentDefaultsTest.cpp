@@ -9,19 +9,6 @@ namespace quorvale::model {
 
 using platform::defaults::UserDefaults;
 
-TEST(AgentDefaultsTest, TellsNoRestrictionsFromNoneOnAndHasASwitchForEachCategory) {
-    AgentDefaults defaults(nullptr);
-    EXPECT_FALSE(defaults.restrictions);
-    defaults.restrictions.emplace(false, false, false, false);
-    EXPECT_TRUE(defaults.restrictions);
-    for (const auto type : allCases) {
-        defaults.appSettings[type] = type == ThreatType::None;
-    }
-    EXPECT_EQ(defaults.appSettings.size(), 30U);
-    EXPECT_TRUE(defaults.appSettings.at(ThreatType::None));
-    EXPECT_FALSE(defaults.appSettings.at(ThreatType::Suspect));
-}
-
 TEST(AgentDefaultsTest, HasAKeyForEachOfItsValuesInTheGroupsSuite) {
     const QTemporaryDir folder;
     const auto suite = UserDefaults::open(AgentDefaults::suiteName, folder.path().toStdString());

@@ -2,7 +2,6 @@
 
 #include "platform/json/JSONDecoder.hpp"
 #include "platform/json/JSONEncoder.hpp"
-#include "support/allocations.hpp"
 
 #include <gtest/gtest.h>
 
@@ -29,19 +28,6 @@ TEST(RestrictionsTest, AreReadFromTheirObjectAndWrittenAsIt) {
         EXPECT_EQ(std::to_array({read->training, read->geographyLock, read->allowLock, read->denyLock}),
                   std::to_array({written.training, written.geographyLock, written.allowLock, written.denyLock}));
     }
-}
-
-TEST(RestrictionsTest, AreDecodedWithoutAllocationOnceTheParserIsWarm) {
-    const std::string text = R"({"training":true,"geographyLock":false,"allowLock":true,"denyLock":false})";
-    ASSERT_TRUE(JSONDecoder{}.decode<Restrictions>(text));
-    ASSERT_TRUE(JSONDecoder{}.decode<Restrictions>(text));
-    const auto before = tests::allocations();
-    for (int round = 0; round < 100; ++round) {
-        EXPECT_TRUE(JSONDecoder{}.decode<Restrictions>(text));
-    }
-    EXPECT_EQ(tests::allocations(), before);
-    EXPECT_FALSE(JSONDecoder{}.decode<Restrictions>("{}"));
-    EXPECT_GT(tests::allocations(), before) << "nothing is counted";
 }
 
 } // namespace quorvale::model

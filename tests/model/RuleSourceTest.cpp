@@ -1,6 +1,5 @@
 #include "model/RuleSource.hpp"
 
-#include "platform/json/CodingKeys.hpp"
 #include "platform/json/JSONDecoder.hpp"
 
 #include <gtest/gtest.h>
@@ -9,10 +8,7 @@
 
 namespace quorvale::model {
 
-using platform::json::Coding;
 using platform::json::JSONDecoder;
-using platform::json::keyOfIntValue;
-using platform::json::keyOfStringValue;
 
 TEST(RuleSourceTest, IsTheCaseThatTheSingleRecognisedKeyNames) {
     const std::pair<const char*, RuleSource> cases[] = {
@@ -48,23 +44,6 @@ TEST(RuleSourceTest, RefusesAnythingButOneKeyWithAnObject) {
         const auto source = JSONDecoder{}.decode<RuleSource>(text);
         ASSERT_FALSE(source) << text;
         EXPECT_EQ(source.error().description(), description) << text;
-    }
-}
-
-TEST(RuleSourceTest, HasKeysOfExactTextsForItsCasesAndNoneInsideThem) {
-    using Keys = Coding<RuleSource>;
-    using CodingKeys = Keys::CodingKeys;
-    EXPECT_EQ(stringValue(CodingKeys::managedSetting), "managedSetting");
-    EXPECT_EQ(keyOfStringValue<CodingKeys>("localSetting"), CodingKeys::localSetting);
-    for (const auto* text : {"", "localsetting", "localSettin", "localSettings", " localSetting"}) {
-        EXPECT_EQ(keyOfStringValue<CodingKeys>(text), std::nullopt) << text;
-    }
-    EXPECT_EQ(intValue(CodingKeys::defaultItem), std::nullopt);
-    EXPECT_EQ(keyOfIntValue<CodingKeys>(0), std::nullopt);
-    for (const auto* text : {"", "defaultItem"}) {
-        EXPECT_EQ(keyOfStringValue<Keys::DefaultItemCodingKeys>(text), std::nullopt);
-        EXPECT_EQ(keyOfStringValue<Keys::LocalSettingCodingKeys>(text), std::nullopt);
-        EXPECT_EQ(keyOfStringValue<Keys::ManagedSettingCodingKeys>(text), std::nullopt);
     }
 }
 

@@ -1,5 +1,7 @@
 #include "status/StatusManager.hpp"
 
+#include "platform/json/JSONEncoder.hpp"
+#include "status/AgentState.hpp"
 #include "support/waitUntil.hpp"
 
 #include <gtest/gtest.h>
@@ -23,9 +25,10 @@ protected:
     std::shared_ptr<StatusManager> manager_ = std::make_shared<StatusManager>(queue_);
 };
 
-TEST_F(StatusManagerTest, StartsFalseAndIsSharedAsOneInstance) {
-    EXPECT_FALSE(StatusManager::shared()->status());
-    EXPECT_EQ(StatusManager::shared(), StatusManager::shared());
+TEST(AgentStateTest, YieldsTheActiveFlagOfTheTextThatItIsWrittenAs) {
+    for (const auto active : {true, false}) {
+        EXPECT_EQ(decodeAgentState(platform::json::JSONEncoder{}.encode(AgentState{.active = active})), active);
+    }
 }
 
 TEST_F(StatusManagerTest, AppliesAValueOfAnyThreadLaterOnTheMainThread) {

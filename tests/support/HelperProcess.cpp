@@ -14,12 +14,6 @@ namespace {
 
 constexpr std::string_view identity = " com.quorvale.QuorvaleHelper default ";
 
-std::string quoted(std::string_view text) {
-    std::string result = "'";
-    result += text;
-    return result + "'";
-}
-
 std::vector<std::string> commandLine(std::vector<std::string> launcher, const std::vector<std::string>& arguments) {
     launcher.emplace_back(QUORVALE_STAGED_HELPER);
     launcher.insert(launcher.end(), arguments.begin(), arguments.end());
@@ -39,12 +33,12 @@ HelperProcess::HelperProcess(const PrivateBus& systemBus, const PrivateBus& sess
     : HelperProcess(on(systemBus, sessionBus), arguments) {}
 
 HelperProcess::HelperProcess(const Environment& environment, const std::vector<std::string>& arguments,
-                             const std::vector<std::string>& launcher, Process::ErrorOutput errorOutput)
+                             const std::vector<std::string>& launcher)
     : environment_(environment),
       process_({.program = QUORVALE_SCRIPTS "/without_journal",
                 .arguments = commandLine(launcher, arguments),
                 .environment = environment,
-                .errorOutput = errorOutput}) {}
+                .errorOutput = Process::ErrorOutput::Merged}) {}
 
 bool HelperProcess::logs(std::string_view text, std::size_t skipped) {
     return waitUntil([&] {
@@ -85,10 +79,11 @@ bool HelperProcess::shows(std::string_view status) const {
 }
 
 void HelperProcess::notify(std::string_view appState) const {
-    Process gdbus({.program = "gdbus",
-                   .arguments = {"emit", "--session", "--object-path", "/com/quorvale/Updater", "--signal",
-                                 "com.quorvale.DistributedNotification.QuorvaleHelper", quoted(appState)},
-                   .environment = environment_});
+    Process gdbus(
+        {.program = "gdbus",
+         .arguments = {"emit", "--session", "--object-path", "/com/quorvale/Updater", "--signal",
+                       "com.quorvale.DistributedNotification.QuorvaleHelper", "'" + std::string(appState) + "'"},
+         .environment = environment_});
     EXPECT_EQ(gdbus.waitForExit(), Process::Exit{});
 }
 

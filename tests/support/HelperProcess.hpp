@@ -27,8 +27,7 @@ public:
     /// In the test program's session, changed by `environment`. `launcher` is a program with its first arguments, which
     /// ends by running the program that its other arguments name.
     explicit HelperProcess(const Environment& environment, const std::vector<std::string>& arguments = {},
-                           const std::vector<std::string>& launcher = {},
-                           Process::ErrorOutput errorOutput = Process::ErrorOutput::Merged);
+                           const std::vector<std::string>& launcher = {});
 
     /// Waits until the helper has written a line that ends with "LEVEL TEXT" behind the first `skipped` ones.
     bool logs(std::string_view levelAndText, std::size_t skipped = 0);

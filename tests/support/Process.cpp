@@ -5,12 +5,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 #include <csignal>
-#include <fcntl.h>
 #include <iterator>
 #include <sys/prctl.h>
-#include <unistd.h>
 
 namespace quorvale::tests {
 
@@ -34,20 +31,11 @@ Process::Process(const Launch& launch) {
     process_.setProcessEnvironment(environmentOf(launch));
     process_.setProcessChannelMode(launch.errorOutput == ErrorOutput::Merged ? QProcess::MergedChannels
                                                                              : QProcess::ForwardedErrorChannel);
-    std::array<int, 2> pipe{-1, -1};
-    if (launch.errorOutput == ErrorOutput::Unread) {
-        EXPECT_EQ(pipe2(pipe.data(), O_CLOEXEC), 0);
-        fcntl(pipe[0], F_SETPIPE_SZ, 4096);
-        unread_ = pipe[0];
-    }
-    process_.setChildProcessModifier([input = pipe[1]] {
+    process_.setChildProcessModifier([] {
         prctl(PR_SET_PDEATHSIG, SIGKILL);
         // Whoever runs the tests in the background may have them ignored.
         for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
             std::signal(signal, SIG_DFL);
-        }
-        if (input >= 0) {
-            dup2(input, STDERR_FILENO);
         }
     });
     QObject::connect(&process_, &QProcess::readyRead, [this] { readLines(); });
@@ -59,17 +47,11 @@ Process::Process(const Launch& launch) {
     if (!process_.waitForStarted(-1)) {
         ADD_FAILURE() << launch.program << " doesn't start: " << process_.errorString().toStdString();
     }
-    if (pipe[1] >= 0) {
-        close(pipe[1]);
-    }
 }
 
 Process::~Process() {
     process_.disconnect();
     kill();
-    if (unread_ >= 0) {
-        close(unread_);
-    }
 }
 
 void Process::send(std::string_view line) {

@@ -25,8 +25,6 @@ public:
         Forwarded,
         /// Its lines are among those of the standard output.
         Merged,
-        /// Goes into a small pipe that nobody reads.
-        Unread,
     };
 
     struct Launch {
@@ -82,7 +80,6 @@ private:
     void readLines();
     [[nodiscard]] std::string transcript() const;
 
-    int unread_ = -1;
     QProcess process_;
     std::string partial_;
     std::vector<std::string> lines_;

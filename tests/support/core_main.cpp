@@ -1,6 +1,5 @@
 #include <QCoreApplication>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 int main(int argc, char** argv) {
     testing::InitGoogleMock(&argc, argv);

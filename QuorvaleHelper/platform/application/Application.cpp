@@ -1,6 +1,7 @@
 #include "platform/application/Application.hpp"
 
 #include "platform/desktop/windows/ActivationToken.hpp"
+#include "platform/desktop/windows/WindowSystem.hpp"
 #include "platform/log/Logger.hpp"
 #include "platform/log/UnifiedLog.hpp"
 
@@ -10,11 +11,15 @@
 #include <QDBusContext>
 #include <QDBusError>
 #include <QDBusMessage>
+#include <QDBusReply>
+#include <QDeadlineTimer>
 #include <QEvent>
 #include <QLoggingCategory>
+#include <QSessionManager>
 #include <QSocketNotifier>
 #include <QTimer>
 
+#include <algorithm>
 #include <atomic>
 #include <climits>
 #include <csignal>
@@ -26,6 +31,7 @@
 #include <malloc.h>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <sys/eventfd.h>
 #include <unistd.h>
 #include <utility>
@@ -151,6 +157,7 @@ constexpr int largestKeptBlock = 128 << 10;
 constexpr int answerLimit = 2000; // milliseconds
 constexpr auto interfaceName = "org.freedesktop.Application";
 const auto activationToken = QStringLiteral("activation-token");
+const auto startupId = QStringLiteral("desktop-startup-id");
 
 } // namespace
 
@@ -160,16 +167,23 @@ class Application::Session final : public QObject, protected QDBusContext {
 
 public:
     Session(int& argc, char** argv, const std::string& identifier)
-        : identifier_(QString::fromStdString(identifier)), application_(argc, argv) {
+        : identifier_(QString::fromStdString(identifier)),
+          leave_(desktop::ActivationToken::takeOwn()),
+          application_(argc, argv) {
         QApplication::setDesktopFileName(identifier_);
         QApplication::setApplicationName(identifier_);
         QApplication::setQuitOnLastWindowClosed(false);
+        // Whatever starts it with the session does so with the next one.
+        const auto neverRestart = [](QSessionManager& manager) {
+            manager.setRestartHint(QSessionManager::RestartNever);
+        };
+        connect(&application_, &QApplication::commitDataRequest, this, neverRestart, Qt::DirectConnection);
+        connect(&application_, &QApplication::saveStateRequest, this, neverRestart, Qt::DirectConnection);
         // The user's logging rules may silence it, but we need its warnings.
         QLoggingCategory::defaultCategory()->setEnabled(QtWarningMsg, true);
     }
 
-    Instance claim() {
-        const auto token = desktop::ActivationToken::takeOwn();
+    Instance claim(Wish wish) {
         auto bus = QDBusConnection::sessionBus();
         if (!bus.isConnected()) {
             return Instance::noSessionBus;
@@ -179,23 +193,21 @@ public:
                     QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"), this,
                     SLOT(busDisconnected()));
         bus.registerObject(objectPath(identifier_), this, QDBusConnection::ExportScriptableSlots);
-        if (bus.registerService(identifier_)) {
-            return Instance::first;
+        const bool isToBeSeen = wish == Wish::toSee && !application_.isSessionRestored();
+        const QDeadlineTimer deadline(answerLimit);
+        while (true) {
+            const auto claimed = bus.interface()->registerService(identifier_);
+            if (claimed.isValid() && claimed.value() == QDBusConnectionInterface::ServiceRegistered) {
+                return Instance::first;
+            }
+            if (const auto other = isToBeSeen ? activateOther(bus, deadline) : otherThatRuns(bus)) {
+                return *other;
+            }
+            if (!claimed.isValid() || deadline.hasExpired()) {
+                return Instance::nameRefused;
+            }
+            // The one that had the name has just ended.
         }
-        auto activate = QDBusMessage::createMethodCall(identifier_, objectPath(identifier_),
-                                                       QLatin1String(interfaceName), QStringLiteral("Activate"));
-        // Where nobody has the name, the bus would start one more that can't have it either.
-        activate.setAutoStartService(false);
-        QVariantMap platformData;
-        if (!token.isEmpty()) {
-            platformData.insert(activationToken, token);
-        }
-        activate << platformData;
-        const auto reply = bus.call(activate, QDBus::Block, answerLimit);
-        if (reply.type() != QDBusMessage::ErrorMessage) {
-            return Instance::anotherRuns;
-        }
-        return QDBusError(reply).type() == QDBusError::NoReply ? Instance::anotherHangs : Instance::nameRefused;
     }
 
     void setDelegate(ApplicationDelegate& delegate) {
@@ -248,7 +260,44 @@ private Q_SLOTS:
 
 private:
     static desktop::ActivationToken tokenIn(const QVariantMap& platformData) {
-        return desktop::ActivationToken(platformData.value(activationToken).toString());
+        const auto token = platformData.value(activationToken).toString();
+        const auto id = platformData.value(startupId).toString();
+        const bool isX11 = desktop::windowSystem() == desktop::WindowSystem::X11;
+        const bool prefersId = isX11 ? !id.isEmpty() : token.isEmpty();
+        return desktop::ActivationToken(prefersId ? id : token);
+    }
+
+    /// No value if nobody has the name.
+    [[nodiscard]] std::optional<Instance> otherThatRuns(const QDBusConnection& bus) const {
+        return bus.interface()->isServiceRegistered(identifier_) ? std::optional(Instance::anotherRuns) : std::nullopt;
+    }
+
+    /// No value if nobody has the name, or the one that had it ended without an answer.
+    [[nodiscard]] std::optional<Instance> activateOther(const QDBusConnection& bus,
+                                                        const QDeadlineTimer& deadline) const {
+        auto activate = QDBusMessage::createMethodCall(identifier_, objectPath(identifier_),
+                                                       QLatin1String(interfaceName), QStringLiteral("Activate"));
+        // Where nobody has the name, the bus would start one more that can't have it either.
+        activate.setAutoStartService(false);
+        QVariantMap platformData;
+        for (const auto& [key, value] : {std::pair(activationToken, leave_.token), {startupId, leave_.startupId}}) {
+            if (!value.isEmpty()) {
+                platformData.insert(key, value);
+            }
+        }
+        activate << platformData;
+        const auto timeout = std::max<qint64>(deadline.remainingTime(), 1);
+        const auto reply = bus.call(activate, QDBus::Block, static_cast<int>(timeout));
+        if (reply.type() != QDBusMessage::ErrorMessage) {
+            return Instance::anotherRuns;
+        }
+        const QDBusError error(reply);
+        if (error.type() == QDBusError::NoReply) {
+            return deadline.hasExpired() ? std::optional(Instance::anotherHangs) : std::nullopt;
+        }
+        const bool isGone = error.type() == QDBusError::ServiceUnknown ||
+                            error.name() == QLatin1String("org.freedesktop.DBus.Error.NameHasNoOwner");
+        return isGone ? std::nullopt : std::optional(Instance::nameRefused);
     }
 
     void watchSignals() {
@@ -266,6 +315,7 @@ private:
     }
 
     const QString identifier_;
+    const desktop::ActivationToken::Own leave_;
     Toolkit application_;
 };
 
@@ -280,8 +330,8 @@ Application::Application(int& argc, char** argv, const std::string& identifier) 
 
 Application::~Application() = default;
 
-Instance Application::claimInstance() {
-    return session_->claim();
+Instance Application::claimInstance(Wish wish) {
+    return session_->claim(wish);
 }
 
 void Application::setActivationHandler(std::function<void()> handler) {

@@ -28,6 +28,14 @@ enum class Instance {
     nameRefused,
 };
 
+/// What whoever starts this process wants.
+enum class Wish {
+    /// That the application is there.
+    toRun,
+    /// The same, and to see it if it already is.
+    toSee,
+};
+
 /// The graphical application: event loop, single instance, termination. One a process, made first, on the main thread.
 ///
 /// On the session bus it owns its identifier as a name and answers to `org.freedesktop.Application`
@@ -35,8 +43,9 @@ enum class Instance {
 ///
 /// From the delegate's appointment on, whatever ends the application tells the delegate once and runs no destructor.
 /// SIGTERM, SIGINT, SIGHUP, the end of the desktop session and that of the display end it with status 0, the loss of
-/// the session bus and a failure of the toolkit with status 1. Until then there is nothing to tell, and signals end it
-/// as they end any process. What the toolkit reports is logged under the identifier followed by ".toolkit".
+/// the session bus and a failure of the toolkit with status 1. Session managers are told not to restore it. Until then
+/// there is nothing to tell, and signals end it as they end any process. What the toolkit reports is logged under the
+/// identifier followed by ".toolkit".
 class Application {
 public:
     /// `identifier` is a reverse-DNS name. A desktop that can't be reached ends the process with status 1 and the
@@ -46,9 +55,10 @@ public:
     Application(const Application&) = delete;
     Application& operator=(const Application&) = delete;
 
-    /// Takes the session's one place, or asks whoever has it to activate, for which the desktop's leave to take the
-    /// focus is passed on. Waits for the session bus and, at most two seconds, for the other instance.
-    Instance claimInstance();
+    /// Takes the session's one place, or asks whoever has it to activate if that is the wish, for which the desktop's
+    /// leave to come to the front is passed on. A session manager that restores a session has no such wish. Waits for
+    /// the session bus and, at most two seconds, for the other instance.
+    Instance claimInstance(Wish wish);
 
     /// `handler` runs when another process activates this one.
     void setActivationHandler(std::function<void()> handler);

@@ -69,13 +69,17 @@ std::optional<std::string> Bundle::infoText(std::string_view key) const {
     return entry == information_.end() ? std::nullopt : std::optional(entry->second);
 }
 
+std::string Bundle::resourcesPath() const {
+    return (path_ / "Contents" / "Resources").string();
+}
+
 std::optional<std::string> Bundle::resourcePath(std::string_view name) const {
     if (!isPlainName(name)) {
         return std::nullopt;
     }
     constexpr std::array extensions{".svg", ".png"};
     for (const auto* extension : extensions) {
-        auto file = path_ / "Contents" / "Resources" / name;
+        auto file = fs::path(resourcesPath()) / name;
         file += extension;
         std::error_code error;
         if (fs::is_regular_file(file, error)) {

@@ -13,7 +13,7 @@ namespace quorvale::platform::bundle {
 ///
 ///     Contents/Info.plist     the information dictionary, an XML or binary property list
 ///     Contents/Linux/         the program, named by the dictionary's "CFBundleExecutable"
-///     Contents/Resources/     images, found by name
+///     Contents/Resources/     images, found by name; tables of texts
 ///
 /// The dictionary is read once, when the bundle is made. One that is missing, broken or too large is as an empty one.
 /// Constant afterwards, so any thread may read it.
@@ -37,6 +37,9 @@ public:
 
     /// The text that the information dictionary holds for `key`; none when it holds none or another type.
     [[nodiscard]] std::optional<std::string> infoText(std::string_view key) const;
+
+    /// Where images and tables of texts lie; it need not exist.
+    [[nodiscard]] std::string resourcesPath() const;
 
     /// The file of the image `name` (without extension): NAME.svg, or else NAME.png. None for a name with a slash.
     [[nodiscard]] std::optional<std::string> resourcePath(std::string_view name) const;

@@ -184,7 +184,9 @@ TextEntries textEntriesOfPropertyList(std::string_view contents) {
         return entries;
     }
     plist_t parsed = nullptr;
-    plist_from_memory(contents.data(), static_cast<std::uint32_t>(contents.size()), &parsed);
+    // Newer libraries know more formats. Asked for one of these two, they don't guess.
+    const auto parse = contents.starts_with(binaryMagic) ? plist_from_bin : plist_from_xml;
+    parse(contents.data(), static_cast<std::uint32_t>(contents.size()), &parsed);
     const Node root(parsed);
     if (!root || plist_get_node_type(root.get()) != PLIST_DICT) {
         return entries;

@@ -3,6 +3,8 @@
 #include "platform/desktop/windows/ActivationToken.hpp"
 #include "platform/desktop/windows/WindowSystem.hpp"
 
+#include <QAction>
+#include <QCursor>
 #include <QGuiApplication>
 #include <QScreen>
 
@@ -17,15 +19,37 @@ PanelWindow::Presentation presentation() {
                                                    : PanelWindow::Presentation::AnchoredPopup;
 }
 
+/// A single ampersand would mark the key that chooses the line.
+QString plainText(const QString& text) {
+    return QString(text).replace(u'&', QLatin1String("&&"));
+}
+
+QAction* fill(QMenu& menu, const std::vector<MenuBarExtra::MenuSection>& sections) {
+    auto* const status = menu.addAction(QString());
+    for (const auto& section : sections) {
+        menu.addSeparator();
+        for (const auto& [label, action] : section) {
+            menu.addAction(plainText(label), action);
+        }
+    }
+    return status;
+}
+
 } // namespace
 
-MenuBarExtra::MenuBarExtra(const QDBusConnection& bus, StatusNotifierItem::Description description, QObject* parent)
+MenuBarExtra::MenuBarExtra(const QDBusConnection& bus, StatusNotifierItem::Description description,
+                           const std::vector<MenuSection>& menu, QObject* parent)
     : QObject(parent),
       title_(description.title),
-      icon_(bus, std::move(description)),
+      status_(fill(menu_, menu)),
+      icon_(bus, std::move(description), menu_),
       window_(presentation()),
       lastAnchor_(QGuiApplication::primaryScreen()->availableGeometry().topRight()) {
     window_.setWindowTitle(title_);
+    connect(status_, &QAction::triggered, this, [this] {
+        // The pointer is on the menu then, and so at the icon. On Wayland it isn't known.
+        open(windowSystem() == WindowSystem::Wayland ? lastAnchor_ : QCursor::pos());
+    });
     connect(&icon_, &StatusIcon::failed, this, &MenuBarExtra::failed);
     connect(&icon_, &StatusIcon::activated, this, [this](QPoint anchor, const QString& activationToken) {
         const ActivationToken token(activationToken);
@@ -42,8 +66,10 @@ void MenuBarExtra::setContent(MakeContent makeContent) {
     makeContent_ = std::move(makeContent);
 }
 
-void MenuBarExtra::setStatusText(const QString& text) {
+void MenuBarExtra::setStatus(const QString& text, const QIcon& symbol) {
     icon_.setToolTip(QStringLiteral("%1: %2").arg(title_, text));
+    status_->setText(plainText(text));
+    status_->setIcon(symbol);
 }
 
 void MenuBarExtra::toggle(QPoint anchor) {

@@ -4,30 +4,46 @@
 #include "platform/desktop/windows/PanelWindow.hpp"
 
 #include <QDBusConnection>
+#include <QIcon>
+#include <QMenu>
 #include <QObject>
 #include <QPoint>
 #include <QString>
 
 #include <functional>
 #include <memory>
+#include <vector>
 
 namespace quorvale::platform::desktop {
 
-/// An icon in the desktop's panel with a window of the program's under it. GUI thread.
+/// An icon in the desktop's panel with a window of the program's under it, and with a menu that says the same for
+/// panels that show it first, as some do for any click, and for touch. GUI thread.
 class MenuBarExtra final : public QObject {
     Q_OBJECT
 
 public:
-    /// `bus` is the session bus, and carries one extra; the icon goes when the connection does.
-    MenuBarExtra(const QDBusConnection& bus, StatusNotifierItem::Description description, QObject* parent = nullptr);
+    /// One line of the menu, and what the user's choice of it does.
+    struct MenuItem {
+        QString label; ///< plain text
+        std::function<void()> action;
+    };
+
+    /// The lines between two separators.
+    using MenuSection = std::vector<MenuItem>;
+
+    /// `bus` is the session bus, and carries one extra; the icon goes when the connection does. `menu` follows the
+    /// menu's first line, which is the status and opens the window.
+    MenuBarExtra(const QDBusConnection& bus, StatusNotifierItem::Description description,
+                 const std::vector<MenuSection>& menu, QObject* parent = nullptr);
 
     using MakeContent = std::function<std::unique_ptr<QWidget>()>;
 
     /// What the window shows from its next opening on. It is made then: most sessions never open the window.
     void setContent(MakeContent makeContent);
 
-    /// A word or two that follow the title in the tooltip and in the icon's description. Plain text.
-    void setStatusText(const QString& text);
+    /// A word or two, plain text, that follow the title in the tooltip and in the icon's description, and are the first
+    /// line of the menu with `symbol` beside them.
+    void setStatus(const QString& text, const QIcon& symbol);
 
     /// Opens the window at `anchor`, the place of the icon in logical pixels of the whole desktop, or dismisses it.
     void toggle(QPoint anchor);
@@ -45,6 +61,8 @@ private:
     void open(QPoint anchor);
 
     const QString title_;
+    QMenu menu_;
+    QAction* const status_;
     StatusIcon icon_;
     PanelWindow window_;
     MakeContent makeContent_;

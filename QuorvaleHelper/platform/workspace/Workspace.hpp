@@ -1,6 +1,5 @@
 #pragma once
 
-#include <expected>
 #include <string>
 
 namespace quorvale::platform::workspace {
@@ -8,10 +7,13 @@ namespace quorvale::platform::workspace {
 /// What the helper asks of the user's session.
 class Workspace {
 public:
-    /// Starts the program of the bundle at `bundlePath` and does not wait for it. The program gets a session of
-    /// its own, this process's environment, the home directory as its current one and no standard streams; it is
-    /// no child of this process and outlives it. The failure is a text for the log. Any thread.
-    [[nodiscard]] std::expected<void, std::string> openApplication(const std::string& bundlePath) const;
+    /// Has the program of the bundle at `bundlePath`, an absolute path, started and returns before it is. The user's
+    /// service manager starts it as an application of its own, with this process's environment and the home directory
+    /// as its current one: whatever confines or ends this process doesn't concern it. Where the session bus knows no
+    /// such manager, it is started from here, in a session of its own and without standard streams. Nobody is told
+    /// what came of it. Main thread.
+    /// https://systemd.io/DESKTOP_ENVIRONMENTS/
+    void openApplication(const std::string& bundlePath) const;
 };
 
 } // namespace quorvale::platform::workspace

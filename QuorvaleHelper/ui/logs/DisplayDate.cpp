@@ -67,7 +67,7 @@ const std::string& DisplayDate::text(std::chrono::system_clock::time_point date)
 }
 
 void DisplayDate::findOffset(std::int64_t utc) {
-    const auto moment = QDateTime::fromSecsSinceEpoch(utc, Qt::UTC);
+    const auto moment = QDateTime::fromSecsSinceEpoch(utc, QTimeZone::utc());
     const auto next = timeZone_.nextTransition(moment).atUtc;
     offset_ = timeZone_.offsetFromUtc(moment);
     offsetSince_ = utc;

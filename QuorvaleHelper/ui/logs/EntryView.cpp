@@ -1,6 +1,7 @@
 #include "ui/logs/EntryView.hpp"
 
 #include "ui/common/ContinuousCorner.hpp"
+#include "ui/common/FocusRing.hpp"
 #include "ui/logs/EntryViewAccessible.hpp"
 #include "ui/logs/displayText.hpp"
 
@@ -23,7 +24,6 @@ namespace {
 constexpr int padding = 8;
 constexpr int hairline = 1;
 constexpr int scrollBarInset = 5; // out of the way of the round corners
-constexpr int focusRing = 2;
 
 // A text up to these is laid out whole, in a few milliseconds.
 constexpr std::size_t fewSegments = 256;
@@ -67,13 +67,17 @@ protected:
         corners.addRect(rect());
         painter.fillPath(corners, palette().window());
 
-        auto color = palette().color(isFocusShown_ ? QPalette::Highlight : QPalette::WindowText);
-        color.setAlphaF(isFocusShown_ ? 1 : 0.25F);
-        const auto width = isFocusShown_ ? focusRing : hairline;
-        const auto inset = width / 2.0;
+        if (isFocusShown_) {
+            common::paintFocusRing(painter, rect(), cornerRadius, palette().color(QPalette::Base),
+                                   palette().color(QPalette::Window));
+            return;
+        }
+        auto color = palette().color(QPalette::WindowText);
+        color.setAlphaF(0.25F);
+        constexpr auto inset = hairline / 2.0;
         painter.strokePath(
             common::continuousRoundedRect(QRectF(rect()).adjusted(inset, inset, -inset, -inset), cornerRadius - inset),
-            QPen(color, width));
+            QPen(color, hairline));
     }
 
 private:
@@ -96,7 +100,8 @@ EntryView::EntryView(Items items, QWidget* parent)
     beside.installEventFilter(this);
     beside.setBackgroundRole(QPalette::Base);
     beside.setAutoFillBackground(true);
-    beside.layout()->setContentsMargins(0, scrollBarInset, 2 * hairline, scrollBarInset);
+    const auto outside = isRightToLeft() ? QMargins(2 * hairline, 0, 0, 0) : QMargins(0, 0, 2 * hairline, 0);
+    beside.layout()->setContentsMargins(QMargins(0, scrollBarInset, 0, scrollBarInset) + outside);
 }
 
 void EntryView::setItems(Items items) {

@@ -2,10 +2,10 @@
 
 #include "platform/observable/objectDidChange.hpp"
 #include "ui/common/localized.hpp"
+#include "ui/logs/DoneButton.hpp"
 #include "ui/logs/EntryView.hpp"
 
 #include <QPointer>
-#include <QPushButton>
 #include <QShowEvent>
 #include <QStyle>
 #include <QVBoxLayout>
@@ -32,12 +32,12 @@ EntryView::Items joined(const LogStore& logs) {
 LogViewer::LogViewer(LogStore& logs, platform::queue::MainQueue& mainQueue, std::function<void()> dismiss)
     : logs_(logs), mainQueue_(mainQueue), entryView_(new EntryView(joined(logs))) {
     entryView_->setAccessibleName(common::localized("Log"));
-    auto* const done = new QPushButton(common::localized("Done"));
+    auto* const done = new DoneButton(common::localized("Done"));
     // A label that needs more, in a large font, gets it.
     done->ensurePolished();
     const auto margin = style()->pixelMetric(QStyle::PM_ButtonMargin, nullptr, done);
     done->setFixedWidth(std::max(buttonWidth, done->fontMetrics().horizontalAdvance(done->text()) + 2 * margin));
-    connect(done, &QPushButton::clicked, this, [dismiss = std::move(dismiss)] { dismiss(); });
+    connect(done, &DoneButton::clicked, this, [dismiss = std::move(dismiss)] { dismiss(); });
 
     auto* const row = new QHBoxLayout;
     row->addStretch();

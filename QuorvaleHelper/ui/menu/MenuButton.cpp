@@ -60,7 +60,7 @@ void MenuButton::keyPressEvent(QKeyEvent* event) {
 
 void MenuButton::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
-    style_.paint(painter, rect(), title_, palette(),
+    style_.paint(painter, rect(), title_, layoutDirection(), palette(),
                  hasFocus() ? MenuButtonStyle::Focus::Keyboard : MenuButtonStyle::Focus::None);
 }
 

@@ -27,9 +27,10 @@ public:
 
     void setHovering(bool hovering) { hovering_ = hovering; }
 
-    /// Paints a button with `label` into `frame`, in points. The focus of the keyboard shows as a ring.
-    void paint(QPainter& painter, const QRectF& frame, const QString& label, const QPalette& palette,
-               Focus focus) const;
+    /// Paints a button with `label` into `frame`, in points; the label begins where lines of `direction` begin. The
+    /// focus of the keyboard shows as a ring.
+    void paint(QPainter& painter, const QRectF& frame, const QString& label, Qt::LayoutDirection direction,
+               const QPalette& palette, Focus focus) const;
 
 private:
     bool hovering_ = false;

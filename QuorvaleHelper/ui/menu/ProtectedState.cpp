@@ -6,6 +6,7 @@
 
 #include <QAccessible>
 #include <QPainter>
+#include <QStyle>
 
 #include <algorithm>
 #include <cmath>
@@ -30,13 +31,20 @@ ProtectedLook ProtectedLook::of(bool isProtected) {
                                SystemColors::red};
 }
 
-ProtectedGeometry ProtectedGeometry::of(const QSizeF& view, double iconSize) {
+ProtectedGeometry ProtectedGeometry::of(const QSizeF& view, double iconSize, Qt::LayoutDirection direction) {
     const auto box = QRectF({}, view).adjusted(padding, padding, -padding, -padding);
     const auto content = box.adjusted(padding, padding, -padding, -padding);
     const QRectF icon(content.left(), content.center().y() - iconSize / 2, iconSize, iconSize);
     const auto textLeft = icon.right() + padding;
     const auto textRight = std::max(textLeft, content.right() - padding);
-    return {box, icon, QRectF(QPointF(textLeft, content.top()), QPointF(textRight, content.bottom()))};
+    const QRectF text(QPointF(textLeft, content.top()), QPointF(textRight, content.bottom()));
+    if (direction == Qt::LeftToRight) {
+        return {box, icon, text};
+    }
+    const auto mirrored = [&](const QRectF& rect) {
+        return QRectF({view.width() - rect.right(), rect.top()}, rect.size());
+    };
+    return {mirrored(box), mirrored(icon), mirrored(text)};
 }
 
 ProtectedState::ProtectedState(bool isProtected, double iconSize, QWidget* parent)
@@ -82,13 +90,16 @@ QSize ProtectedState::minimumSizeHint() const {
 }
 
 void ProtectedState::paintEvent(QPaintEvent* /*event*/) {
-    const auto [box, icon, text] = ProtectedGeometry::of(size(), iconSize_);
+    const auto [box, icon, text] = ProtectedGeometry::of(size(), iconSize_, layoutDirection());
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.fillPath(continuousRoundedRect(box, cornerRadius), look_.boxColor);
     symbol_.paint(painter, icon, SystemColors::white);
     painter.setPen(SystemColors::white);
-    painter.drawText(text, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
+    const auto leading = QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft) | Qt::AlignAbsolute;
+    // A text reads in its own direction, whichever the window's is.
+    painter.setLayoutDirection(look_.text.isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
+    painter.drawText(text, static_cast<int>(leading | Qt::AlignVCenter) | Qt::TextSingleLine,
                      fontMetrics().elidedText(look_.text, Qt::ElideRight, static_cast<int>(text.width())));
 }
 

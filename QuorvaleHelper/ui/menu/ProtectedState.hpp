@@ -21,13 +21,13 @@ struct ProtectedLook {
     bool operator==(const ProtectedLook&) const = default;
 };
 
-/// Where the parts of the indicator are, in points.
+/// Where the parts of the indicator are, in points. The icon leads, in the direction in which the language is read.
 struct ProtectedGeometry {
     QRectF box;
     QRectF icon;
     QRectF text;
 
-    static ProtectedGeometry of(const QSizeF& view, double iconSize);
+    static ProtectedGeometry of(const QSizeF& view, double iconSize, Qt::LayoutDirection direction);
 };
 
 /// The coloured box that tells whether protection is on. It is a text to look at, not a control.

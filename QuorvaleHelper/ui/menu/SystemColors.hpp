@@ -11,10 +11,4 @@ inline constexpr QColor red{0xD7, 0x2C, 0x26};
 inline constexpr QColor blue{0x0A, 0x6C, 0xE6};
 inline constexpr QColor white{0xFF, 0xFF, 0xFF};
 
-/// The ring around a focused control on `background`: a blue that stands out from it.
-QColor focusRing(const QColor& background);
-
-/// From 1 (the same) to 21 (black and white). https://www.w3.org/TR/WCAG21/#dfn-contrast-ratio
-double contrast(const QColor& one, const QColor& other);
-
 } // namespace quorvale::ui::menu::SystemColors

@@ -4,7 +4,6 @@
 #include "support/blockUntil.hpp"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <atomic>
 #include <cstdlib>

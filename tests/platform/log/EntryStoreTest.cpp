@@ -1,7 +1,6 @@
 #include "platform/log/EntryStore.hpp"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <string>
 #include <thread>

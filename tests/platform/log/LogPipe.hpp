@@ -1,9 +1,12 @@
 #pragma once
 
+#include "platform/log/UnifiedLog.hpp"
+
 #include <gtest/gtest.h>
 
 #include <cstddef>
 #include <fcntl.h>
+#include <memory>
 #include <poll.h>
 #include <string>
 #include <unistd.h>
@@ -11,25 +14,28 @@
 
 namespace quorvale::platform::log {
 
-/// A pipe as short as they come, for a log to write to.
+/// A pipe as short as they come, and a log that writes to it.
 class LogPipe {
 public:
     /// `writeFlags` are of the end that is written to, as O_NONBLOCK.
-    explicit LogPipe(int writeFlags = 0) {
+    explicit LogPipe(int writeFlags = 0, std::size_t budget = EntryStore::defaultBudget) {
         EXPECT_EQ(::pipe2(ends_, O_CLOEXEC), 0);
         EXPECT_GE(::fcntl(writeEnd(), F_SETPIPE_SZ, 1), 0);
         EXPECT_EQ(::fcntl(writeEnd(), F_SETFL, writeFlags), 0);
+        log_ = std::make_unique<UnifiedLog>(lineOutput(writeEnd()), budget);
     }
 
     ~LogPipe() {
+        // The log would wait for whoever reads what it has left.
         closeReadEnd();
+        log_.reset();
         ::close(writeEnd());
     }
 
     LogPipe(const LogPipe&) = delete;
     LogPipe& operator=(const LogPipe&) = delete;
 
-    [[nodiscard]] int writeEnd() const { return ends_[1]; }
+    [[nodiscard]] UnifiedLog& log() const { return *log_; }
 
     void closeReadEnd() { ::close(std::exchange(ends_[0], -1)); }
 
@@ -51,7 +57,10 @@ public:
     }
 
 private:
+    [[nodiscard]] int writeEnd() const { return ends_[1]; }
+
     int ends_[2]{-1, -1};
+    std::unique_ptr<UnifiedLog> log_;
     std::string read_;
 };
 

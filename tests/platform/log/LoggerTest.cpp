@@ -3,7 +3,6 @@
 #include "platform/log/LogPipe.hpp"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <regex>
 #include <string>
@@ -50,8 +49,7 @@ TEST(LoggerTest, ComposesEachPlaceholder) {
 
 TEST(LoggerTest, WritesOneLineAnEntryWhateverTheTextHolds) {
     LogPipe pipe;
-    UnifiedLog log(lineOutput(pipe.writeEnd()));
-    const Logger logger("x.y.helper", "default", log);
+    const Logger logger("x.y.helper", "default", pipe.log());
     logger.info("Started...");
     logger.error("%{public}s", std::string("two\nlines\tand \x1b[31mred\x7f ⚠️ ") + '\0');
     logger.info("end");

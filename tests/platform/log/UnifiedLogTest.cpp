@@ -2,7 +2,6 @@
 #include "platform/log/Logger.hpp"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <fcntl.h>
 #include <string>
@@ -25,8 +24,7 @@ std::string lastWord(std::string_view line) {
 TEST(UnifiedLogTest, KeepsNobodyWaitingForItsReaderAndLosesNothingMeanwhile) {
     for (const int writeFlags : {0, O_NONBLOCK}) {
         LogPipe pipe(writeFlags);
-        UnifiedLog log(lineOutput(pipe.writeEnd()));
-        const Logger logger("s", "c", log);
+        const Logger logger("s", "c", pipe.log());
         const std::string longLine(100'000, 'x');
         constexpr std::size_t writers = 4;
         constexpr int perWriter = 2000;
@@ -41,7 +39,7 @@ TEST(UnifiedLogTest, KeepsNobodyWaitingForItsReaderAndLosesNothingMeanwhile) {
                 });
             }
         }
-        EXPECT_FALSE(log.flush(1ms)) << "nobody has read";
+        EXPECT_FALSE(pipe.log().flush(1ms)) << "nobody has read";
 
         std::vector<int> next(writers);
         std::size_t longLines = 0;
@@ -57,19 +55,18 @@ TEST(UnifiedLogTest, KeepsNobodyWaitingForItsReaderAndLosesNothingMeanwhile) {
         }
         EXPECT_THAT(next, testing::Each(perWriter));
         EXPECT_EQ(longLines, writers);
-        EXPECT_TRUE(log.flush(20s));
+        EXPECT_TRUE(pipe.log().flush(20s));
 
         pipe.closeReadEnd();
         logger.info("to nobody");
-        EXPECT_TRUE(log.flush(20s)) << "what can't be written is lost, and keeps nothing up";
+        EXPECT_TRUE(pipe.log().flush(20s)) << "what can't be written is lost, and keeps nothing up";
     }
 }
 
 TEST(UnifiedLogTest, SaysWhereAndHowMuchIsLostToAReaderWhoIsTooSlow) {
     constexpr int count = 20'000;
-    LogPipe pipe;
-    UnifiedLog log(lineOutput(pipe.writeEnd()), std::size_t{64} << 10);
-    const Logger logger("s", "c", log);
+    LogPipe pipe(0, std::size_t{64} << 10);
+    const Logger logger("s", "c", pipe.log());
     for (int number = 0; number < count; ++number) {
         logger.info("number %{public}s", std::to_string(number));
     }

@@ -1,16 +1,22 @@
 #include "platform/workspace/Workspace.hpp"
 
+#include "support/PrivateBus.hpp"
 #include "support/waitUntil.hpp"
 
+#include <QDBusArgument>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusVirtualObject>
+#include <QDir>
 #include <QTemporaryDir>
 #include <gmock/gmock.h>
 
-#include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
+#include <memory>
 #include <string>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -19,31 +25,89 @@
 namespace quorvale::platform::workspace {
 
 namespace fs = std::filesystem;
-using testing::HasSubstr;
+using testing::MatchesRegex;
 using tests::waitUntil;
+
+namespace {
+
+/// Takes note of what it is asked for.
+class ServiceManager final : public QDBusVirtualObject {
+public:
+    explicit ServiceManager(const tests::PrivateBus& bus)
+        : bus_(QDBusConnection::connectToBus(QString::fromStdString(bus.address()), QStringLiteral("manager"))) {
+        bus_.registerVirtualObject(QStringLiteral("/org/freedesktop/systemd1"), this);
+        bus_.registerService(QStringLiteral("org.freedesktop.systemd1"));
+    }
+
+    ~ServiceManager() override { QDBusConnection::disconnectFromBus(QStringLiteral("manager")); }
+
+    [[nodiscard]] QString introspect(const QString& /*path*/) const override { return {}; }
+
+    bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
+        call = message;
+        return connection.send(message.createErrorReply(QDBusError::AccessDenied, QStringLiteral("not now")));
+    }
+
+    /// Those of the unit; its command as its words, with blanks between.
+    [[nodiscard]] QVariantMap properties() const {
+        QVariantMap result;
+        const auto list = call.arguments()[2].value<QDBusArgument>();
+        for (list.beginArray(); !list.atEnd();) {
+            QString name;
+            QDBusVariant value;
+            list.beginStructure();
+            list >> name >> value;
+            list.endStructure();
+            result[name] = name == QStringLiteral("ExecStartEx") ? command(value.variant()) : value.variant();
+        }
+        return result;
+    }
+
+    QDBusMessage call;
+
+private:
+    static QVariant command(const QVariant& value) {
+        QString path;
+        QStringList words;
+        QStringList flags;
+        const auto list = value.value<QDBusArgument>();
+        list.beginArray();
+        list.beginStructure();
+        list >> path >> words >> flags;
+        return (QStringList(path) + words + flags).join(u' ');
+    }
+
+    QDBusConnection bus_;
+};
+
+} // namespace
 
 class WorkspaceTest : public testing::Test {
 protected:
-    WorkspaceTest() { fs::create_directories(programs_); }
-
-    void writeInformation(const std::string& executable) {
-        std::ofstream(path_ / "Contents" / "Info.plist")
-            << R"(<plist version="1.0"><dict><key>CFBundleExecutable</key><string>)" << executable
-            << "</string></dict></plist>";
+    static void SetUpTestSuite() {
+        bus_ = std::make_unique<tests::PrivateBus>();
+        setenv("DBUS_SESSION_BUS_ADDRESS", bus_->address().c_str(), 1);
     }
+
+    static void TearDownTestSuite() { bus_.reset(); }
+
+    WorkspaceTest() { fs::create_directories(programs_); }
 
     void writeProgram(const std::string& text) {
         std::ofstream(programs_ / "Program") << text;
         fs::permissions(programs_ / "Program", fs::perms::owner_all);
-        writeInformation("Program");
+        std::ofstream(path_ / "Contents" / "Info.plist")
+            << R"(<plist version="1.0"><dict><key>CFBundleIdentifier</key><string>org.example.Some-App</string>
+<key>CFBundleExecutable</key><string>Program</string></dict></plist>)";
     }
 
+    static inline std::unique_ptr<tests::PrivateBus> bus_;
     QTemporaryDir directory_;
     fs::path path_ = fs::path(directory_.path().toStdString()) / "Some; app $(x).app";
     fs::path programs_ = path_ / "Contents" / "Linux";
 };
 
-TEST_F(WorkspaceTest, StartsTheProgramOnItsOwnAndDoesNotWaitForIt) {
+TEST_F(WorkspaceTest, StartsTheProgramItselfWhereThereIsNoServiceManager) {
     writeProgram(R"(#!/bin/sh
 directory=$(dirname "$0")
 {
@@ -59,9 +123,10 @@ read -r line < "$directory/end"
     ASSERT_GE(endWriter, 0);
     setenv("QUORVALE_TEST", "inherited", 1);
 
-    const auto opened = Workspace{}.openApplication(path_.string());
+    Workspace{}.openApplication(path_.string());
+    Workspace{}.openApplication("");
+    Workspace{}.openApplication("/nowhere");
 
-    ASSERT_TRUE(opened) << opened.error();
     ASSERT_TRUE(waitUntil([this] { return fs::exists(programs_ / "report"); }));
     std::ifstream report(programs_ / "report");
     pid_t pid = 0;
@@ -69,8 +134,8 @@ read -r line < "$directory/end"
     std::string rest;
     std::getline(report >> pid >> session >> std::ws, rest);
     EXPECT_EQ(kill(pid, 0), 0);
-    EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1) << "a child is left to be waited for";
-    EXPECT_EQ(errno, ECHILD);
+    EXPECT_EQ(waitpid(pid, nullptr, WNOHANG), -1) << "it is a child";
+    EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), 0) << "a child is left to be waited for, besides the bus";
     EXPECT_NE(session, getsid(0));
     EXPECT_EQ(rest, fs::path(std::getenv("HOME")).string() + " inherited /dev/null /dev/null 0");
     EXPECT_EQ(write(endWriter, "\n", 1), 1);
@@ -78,20 +143,29 @@ read -r line < "$directory/end"
     close(endWriter);
 }
 
-TEST_F(WorkspaceTest, SaysWhatIsMissing) {
-    const auto failure = [this] {
-        const auto opened = Workspace{}.openApplication(path_.string());
-        return opened ? std::string("opened") : opened.error();
-    };
-    EXPECT_EQ(failure(), "no application at " + path_.string());
-    writeInformation("../Program");
-    EXPECT_EQ(failure(), "no application at " + path_.string());
-    writeInformation("Program");
-    EXPECT_THAT(failure(), HasSubstr("Program: "));
+TEST_F(WorkspaceTest, HasTheServiceManagerStartTheProgramAsAnApplicationOfItsOwn) {
     writeProgram("#!/bin/sh\n");
-    fs::permissions(programs_ / "Program", fs::perms::owner_read);
-    EXPECT_THAT(failure(), HasSubstr("Program: "));
-    EXPECT_EQ(Workspace{}.openApplication("").error(), "no application at ");
+    setenv("DISPLAY", ":77", 1);
+    setenv("NOTIFY_SOCKET", "/run/ours", 1);
+    setenv("QUORVALE_TEST", "not\x1Bplain", 1);
+    ServiceManager manager(*bus_);
+    Workspace{}.openApplication(path_.string());
+    ASSERT_TRUE(waitUntil([&] { return manager.call.type() == QDBusMessage::MethodCallMessage; }));
+    EXPECT_EQ(manager.call.member(), QStringLiteral("StartTransientUnit"));
+    EXPECT_EQ(manager.call.signature(), QStringLiteral("ssa(sv)a(sa(sv))"));
+    const auto arguments = manager.call.arguments();
+    EXPECT_THAT(arguments[0].toString().toStdString(),
+                MatchesRegex(R"(app-quorvale-org\.example\.Some\\x2dApp@[0-9a-f]{16}\.service)"));
+    const auto properties = manager.properties();
+    const auto path = QString::fromStdString((programs_ / "Program").string());
+    EXPECT_EQ(properties[QStringLiteral("ExecStartEx")].toString(),
+              path + u' ' + path + QStringLiteral(" no-env-expand"));
+    EXPECT_EQ(properties[QStringLiteral("Slice")], QStringLiteral("app.slice"));
+    EXPECT_EQ(properties[QStringLiteral("WorkingDirectory")], QDir::homePath());
+    const auto environment = properties[QStringLiteral("Environment")].toStringList();
+    EXPECT_TRUE(environment.contains(QStringLiteral("DISPLAY=:77")));
+    EXPECT_TRUE(environment.filter(QStringLiteral("NOTIFY_SOCKET")).isEmpty());
+    EXPECT_TRUE(environment.filter(QStringLiteral("QUORVALE_TEST")).isEmpty()) << "the manager would refuse it all";
 }
 
 } // namespace quorvale::platform::workspace

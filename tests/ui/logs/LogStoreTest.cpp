@@ -1,14 +1,9 @@
 #include "ui/logs/LogStore.hpp"
 
 #include "support/RecordedLog.hpp"
-#include "support/waitUntil.hpp"
 #include "ui/logs/UnifiedLogReader.hpp"
 
-#include <QDeadlineTimer>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <thread>
 
 namespace quorvale::ui::logs {
 
@@ -141,27 +136,6 @@ TEST_F(LogStoreTest, KeepsItsLinesWhenALoadFailsAndListsTheErrorNextTime) {
     store_.loadEntries();
     EXPECT_THAT(undated(store_),
                 ElementsAre("[default] first", "[default] The log is locked 100%", "[default] The log is torn"));
-}
-
-TEST_F(LogStoreTest, ListsAConsistentLogWhileOthersWrite) {
-    std::jthread const writer([this](const std::stop_token& stop) {
-        for (int number = 0; !stop.stop_requested(); ++number) {
-            writeAt({}, std::to_string(number));
-        }
-    });
-    // Until the writer has overtaken the budget, and some loads more.
-    int loadsOfTheRest = 0;
-    const QDeadlineTimer deadline(tests::defaultDeadline);
-    while (loadsOfTheRest < 5 && !deadline.hasExpired()) {
-        store_.loadEntries();
-        const auto lines = undated(store_);
-        const auto number = [&](std::size_t at) { return std::stoi(lines[at].substr(7)); };
-        for (std::size_t i = 1; i < lines.size(); ++i) {
-            ASSERT_EQ(number(i), number(i - 1) + 1);
-        }
-        loadsOfTheRest += lines.empty() || number(0) == 0 ? 0 : 1;
-    }
-    EXPECT_EQ(loadsOfTheRest, 5);
 }
 
 } // namespace quorvale::ui::logs

@@ -5,6 +5,7 @@
 #include "ui/logs/EntryView.hpp"
 
 #include <QApplication>
+#include <QLayout>
 #include <QPushButton>
 #include <QTest>
 #include <gtest/gtest.h>
@@ -106,10 +107,20 @@ TEST_F(LogViewerTest, KeepsTheListAndDoneInsideThePaddingAtEverySize) {
         EXPECT_EQ(list().geometry().topLeft(), inside.topLeft());
         EXPECT_EQ(list().geometry().right(), inside.right());
         EXPECT_EQ(done().geometry().top() - list().geometry().bottom() - 1, 20);
+        viewer.setLayoutDirection(Qt::RightToLeft);
+        viewer.layout()->activate();
+        EXPECT_EQ(done().geometry().bottomLeft(), inside.bottomLeft());
+        viewer.setLayoutDirection(Qt::LeftToRight);
     }
     EXPECT_EQ(done().text(), QStringLiteral("Done"));
     QTest::mouseClick(&done(), Qt::LeftButton);
     EXPECT_EQ(dismissals, 1);
+    QTest::keyClick(&list(), Qt::Key_Return);
+    EXPECT_EQ(dismissals, 1) << "the button doesn't have the focus";
+    for (const auto key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Space}) {
+        QTest::keyClick(&done(), key);
+    }
+    EXPECT_EQ(dismissals, 4);
 
     auto font = QApplication::font();
     font.setPixelSize(60);

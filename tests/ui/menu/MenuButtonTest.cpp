@@ -1,5 +1,6 @@
 #include "ui/menu/MenuButton.hpp"
 
+#include "ui/common/FocusRing.hpp"
 #include "ui/menu/SystemColors.hpp"
 
 #include <QAccessible>
@@ -78,6 +79,23 @@ TEST(MenuButtonTest, TakesItsTextColorFromThePaletteUntilItIsHighlighted) {
     EXPECT_EQ(MenuButtonStyle::look(true, dark).text, SystemColors::white);
 }
 
+TEST(MenuButtonTest, BeginsItsTitleWhereLinesBegin) {
+    MenuButton button(QStringLiteral("Quit"), [] {});
+    button.resize(190, button.sizeHint().height());
+    const auto isInked = [&](const QRect& place) {
+        const auto part = pictureOf(button).copy(place);
+        QImage empty(part.size(), part.format());
+        empty.fill(Qt::transparent);
+        return part != empty;
+    };
+    const QRect left(0, 0, 60, button.height());
+    EXPECT_TRUE(isInked(left));
+    EXPECT_FALSE(isInked(left.translated(130, 0)));
+    button.setLayoutDirection(Qt::RightToLeft);
+    EXPECT_FALSE(isInked(left));
+    EXPECT_TRUE(isInked(left.translated(130, 0)));
+}
+
 TEST(MenuButtonTest, ShowsItsTitleAsItIs) {
     const auto title = QStringLiteral("A && B &Quit <b>");
     MenuButton button(title, [] {});
@@ -116,8 +134,9 @@ TEST(MenuButtonTest, ShowsTheFocusOfTheKeyboardAsARingAndTakesNoneFromTheMouse) 
     ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
 
     first->setFocus(Qt::TabFocusReason);
+    const auto ground = window.palette().color(QPalette::Window);
     const QPoint ring(1, first->height() / 2);
-    EXPECT_EQ(pictureOf(*first).pixelColor(ring), SystemColors::focusRing(window.palette().color(QPalette::Window)));
+    EXPECT_EQ(pictureOf(*first).pixelColor(ring), common::focusRingColor(ground, ground));
     EXPECT_EQ(rightOf(*first).alpha(), 0) << "focus is no highlight";
     enter(*second);
     QTest::mouseClick(second, Qt::LeftButton);

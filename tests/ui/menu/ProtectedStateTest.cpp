@@ -42,10 +42,14 @@ TEST(ProtectedStateTest, LooksItsTextsUpAndShowsThoseWithoutEntryAsTheyAre) {
 }
 
 TEST(ProtectedStateTest, PutsIconAndTextWithTheirPaddingsIntoABoxOfFullWidth) {
-    const auto [box, icon, text] = ProtectedGeometry::of({200, 38}, iconSize);
+    const auto [box, icon, text] = ProtectedGeometry::of({200, 38}, iconSize, Qt::LeftToRight);
     EXPECT_EQ(box, QRectF(5, 5, 190, 28));
     EXPECT_EQ(icon, QRectF(10, 10, 18, 18));
     EXPECT_EQ(text, QRectF(33, 10, 152, 18));
+    const auto mirrored = ProtectedGeometry::of({200, 38}, iconSize, Qt::RightToLeft);
+    EXPECT_EQ(mirrored.box, box);
+    EXPECT_EQ(mirrored.icon, QRectF(172, 10, 18, 18));
+    EXPECT_EQ(mirrored.text, QRectF(15, 10, 152, 18));
 }
 
 TEST(ProtectedStateTest, ShowsARoundedBoxWithASymbolAndATextInBothLooks) {

@@ -1,5 +1,8 @@
 #include "platform/desktop/appearance/ColorSchemeFollower.hpp"
 
+#include "platform/desktop/appearance/XSettings.hpp"
+#include "platform/desktop/windows/WindowSystem.hpp"
+
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDBusServiceWatcher>
@@ -8,6 +11,7 @@
 #include <QPalette>
 
 #include <limits>
+#include <utility>
 
 namespace quorvale::platform::desktop {
 
@@ -19,6 +23,7 @@ const auto portalInterface = QStringLiteral("org.freedesktop.portal.Settings");
 const auto appearance = QStringLiteral("org.freedesktop.appearance");
 const auto colorScheme = QStringLiteral("color-scheme");
 constexpr quint32 preferDark = 1;
+constexpr quint32 preferLight = 2;
 /// A portal that the question starts may be long in coming.
 constexpr int noTimeLimit = std::numeric_limits<int>::max();
 
@@ -32,34 +37,56 @@ QPalette darkPalette() {
 
 } // namespace
 
-ColorSchemeFollower::ColorSchemeFollower(QDBusConnection bus, QObject* parent) : QObject(parent) {
-    auto* const owners = new QDBusServiceWatcher(portal, bus, QDBusServiceWatcher::WatchForOwnerChange, this);
+ColorSchemeFollower::ColorSchemeFollower(QDBusConnection bus, QObject* parent) : QObject(parent), bus_(std::move(bus)) {
+    auto* const owners = new QDBusServiceWatcher(portal, bus_, QDBusServiceWatcher::WatchForOwnerChange, this);
     connect(owners, &QDBusServiceWatcher::serviceOwnerChanged, this,
-            [this](const QString&, const QString&, const QString& owner) { owner_ = owner; });
+            [this](const QString&, const QString&, const QString& owner) {
+                owner_ = owner;
+                // One that went away may come back; until it says otherwise, what it said holds.
+                if (!owner.isEmpty()) {
+                    ask();
+                }
+            });
     // With a sender's name, QtDBus would wait for the bus to tell its owner; settingChanged() looks at the sender.
-    bus.connect({}, portalPath, portalInterface, QStringLiteral("SettingChanged"), this,
-                SLOT(settingChanged(QDBusMessage)));
+    bus_.connect({}, portalPath, portalInterface, QStringLiteral("SettingChanged"), this,
+                 SLOT(settingChanged(QDBusMessage)));
+    ask();
+    if (windowSystem() == WindowSystem::X11) {
+        settings_ = std::make_unique<XSettings>();
+        connect(settings_.get(), &XSettings::themeNameChanged, this, &ColorSchemeFollower::update);
+        update();
+    }
+}
+
+ColorSchemeFollower::~ColorSchemeFollower() = default;
+
+void ColorSchemeFollower::ask() {
     auto message = QDBusMessage::createMethodCall(portal, portalPath, portalInterface, QStringLiteral("Read"));
     message << appearance << colorScheme;
-    auto* const watcher = new QDBusPendingCallWatcher(bus.asyncCall(message, noTimeLimit), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher* done) {
-        done->deleteLater();
-        // Whoever answers has the name, or is the bus, which says that nobody has.
-        if (owner_.isEmpty()) {
-            owner_ = done->reply().service();
-        }
-        const QDBusPendingReply<QDBusVariant> reply = *done;
-        // No portal and no preference are the same, and a change told meanwhile is newer.
-        if (reply.isError() || told_) {
-            return;
-        }
-        // Read answers with a variant in a variant.
-        auto value = reply.value().variant();
-        if (value.metaType() == QMetaType::fromType<QDBusVariant>()) {
-            value = value.value<QDBusVariant>().variant();
-        }
-        apply(value);
-    });
+    auto* const watcher = new QDBusPendingCallWatcher(bus_.asyncCall(message, noTimeLimit), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this,
+            [this, question = ++question_](QDBusPendingCallWatcher* done) {
+                done->deleteLater();
+                // A later question's answer, and a change told meanwhile, are newer.
+                if (question != question_) {
+                    return;
+                }
+                // Whoever answers has the name, or is the bus, which says that nobody has.
+                if (owner_.isEmpty()) {
+                    owner_ = done->reply().service();
+                }
+                const QDBusPendingReply<QDBusVariant> reply = *done;
+                // No portal and no preference are the same.
+                if (reply.isError()) {
+                    return;
+                }
+                // Read answers with a variant in a variant.
+                auto value = reply.value().variant();
+                if (value.metaType() == QMetaType::fromType<QDBusVariant>()) {
+                    value = value.value<QDBusVariant>().variant();
+                }
+                take(value);
+            });
 }
 
 void ColorSchemeFollower::settingChanged(const QDBusMessage& message) {
@@ -69,22 +96,30 @@ void ColorSchemeFollower::settingChanged(const QDBusMessage& message) {
     }
     const auto arguments = message.arguments();
     if (arguments.size() == 3 && arguments[0] == appearance && arguments[1] == colorScheme) {
-        told_ = true;
-        apply(arguments[2].value<QDBusVariant>().variant());
+        ++question_;
+        take(arguments[2].value<QDBusVariant>().variant());
     }
 }
 
-void ColorSchemeFollower::apply(const QVariant& scheme) {
-    if (scheme.metaType() != QMetaType::fromType<quint32>()) {
-        return;
+void ColorSchemeFollower::take(const QVariant& scheme) {
+    if (scheme.metaType() == QMetaType::fromType<quint32>()) {
+        preference_ = scheme.value<quint32>();
+        update();
     }
-    if (scheme.value<quint32>() == preferDark) {
+}
+
+void ColorSchemeFollower::update() {
+    // GTK has no other way to tell a dark theme, either.
+    const bool isThemeDark = settings_ && settings_->themeName().contains(QLatin1String("dark"), Qt::CaseInsensitive);
+    if (preference_ == preferDark || (preference_ != preferLight && isThemeDark)) {
         if (QGuiApplication::palette().color(QPalette::Window).lightness() >= 128) {
             darkened_ = true;
             QGuiApplication::setPalette(darkPalette());
         }
     } else if (darkened_) {
         darkened_ = false;
+        // Newer versions of Qt choose the palette beneath by the one that has been in use.
+        QGuiApplication::setPalette(QPalette(Qt::lightGray));
         QGuiApplication::setPalette({});
     }
 }

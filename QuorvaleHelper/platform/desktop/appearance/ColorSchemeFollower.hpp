@@ -6,11 +6,16 @@
 #include <QString>
 #include <QVariant>
 
+#include <cstdint>
+#include <memory>
+
 namespace quorvale::platform::desktop {
 
-/// Makes the application's palette dark while the desktop prefers that (the settings portal's color-scheme), where
-/// Qt's own integration hasn't done so. One that has a dark palette anyway, or a desktop without the portal, is left
-/// alone. Nothing waits for an answer. GUI thread.
+class XSettings;
+
+/// Makes the application's palette dark while the desktop prefers that, where Qt's own integration hasn't done so: by
+/// the settings portal's color-scheme or, where that prefers nothing, on X11 by a GTK theme with "dark" in its name. An
+/// application that has a dark palette anyway is left alone. Nothing waits for the portal. GUI thread.
 /// https://flatpak.github.io/xdg-desktop-portal/docs/doc-org.freedesktop.portal.Settings.html
 class ColorSchemeFollower final : public QObject {
     Q_OBJECT
@@ -18,16 +23,23 @@ class ColorSchemeFollower final : public QObject {
 public:
     /// `bus` is the session bus.
     explicit ColorSchemeFollower(QDBusConnection bus, QObject* parent = nullptr);
+    ~ColorSchemeFollower() override;
 
 private Q_SLOTS:
     void settingChanged(const QDBusMessage& message);
 
 private:
-    void apply(const QVariant& scheme);
+    void ask();
+    void take(const QVariant& scheme);
+    void update();
 
+    QDBusConnection bus_;
     /// The only one who is believed; empty while nobody is known to have the portal's name.
     QString owner_;
-    bool told_ = false;
+    std::uint32_t question_ = 0;
+    /// As the portal numbers them; 0 is none.
+    std::uint32_t preference_ = 0;
+    std::unique_ptr<XSettings> settings_;
     bool darkened_ = false;
 };
 

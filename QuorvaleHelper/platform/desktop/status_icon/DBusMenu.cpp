@@ -1,10 +1,16 @@
 #include "platform/desktop/status_icon/DBusMenu.hpp"
 
+#include <QAction>
+#include <QBuffer>
 #include <QDBusAbstractAdaptor>
 #include <QDBusArgument>
 #include <QDBusMetaType>
 #include <QDBusVariant>
+#include <QGuiApplication>
+#include <QIcon>
+#include <QPixmap>
 #include <QTimer>
+#include <QTimerEvent>
 
 #include <utility>
 
@@ -38,6 +44,26 @@ const QDBusArgument& operator>>(const QDBusArgument& argument, MenuNode& node) {
     return rest;
 }
 
+/// (ias): an item and properties that it has no longer.
+struct MenuLosses {
+    int id = 0;
+    QStringList properties;
+};
+
+QDBusArgument& operator<<(QDBusArgument& argument, const MenuLosses& losses) {
+    argument.beginStructure();
+    argument << losses.id << losses.properties;
+    argument.endStructure();
+    return argument;
+}
+
+const QDBusArgument& operator>>(const QDBusArgument& argument, MenuLosses& losses) {
+    argument.beginStructure();
+    const auto& rest = argument >> losses.id >> losses.properties;
+    rest.endStructure();
+    return rest;
+}
+
 QDBusArgument& operator<<(QDBusArgument& argument, const MenuTree& tree) {
     argument.beginStructure();
     argument << tree.node.id << tree.node.properties << tree.children;
@@ -55,7 +81,36 @@ const QDBusArgument& operator>>(const QDBusArgument& argument, MenuTree& tree) {
 namespace {
 
 constexpr int rootId = 0;
+/// Of the list of items, which stays what it is.
 constexpr uint revision = 1;
+/// In pixels; panels that draw icons smaller scale them down.
+constexpr int iconSize = 48;
+
+const auto labelKey = QStringLiteral("label");
+const auto iconKey = QStringLiteral("icon-data");
+
+/// An underscore marks the key that chooses the item, as an ampersand does in an action's text.
+QString label(const QAction& action) {
+    QString label;
+    const auto text = action.text().replace(u'_', QLatin1String("__"));
+    for (qsizetype at = 0; at < text.size(); ++at) {
+        const bool isMark = text[at] == u'&' && at + 1 < text.size();
+        if (isMark && text[at + 1] != u'&') {
+            label += u'_';
+        } else {
+            at += isMark ? 1 : 0;
+            label += text[at];
+        }
+    }
+    return label;
+}
+
+QByteArray png(const QIcon& icon) {
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    icon.pixmap(QSize(iconSize, iconSize), 1).save(&buffer, "PNG");
+    return bytes;
+}
 
 class Adaptor final : public QDBusAbstractAdaptor {
     Q_OBJECT
@@ -66,11 +121,26 @@ class Adaptor final : public QDBusAbstractAdaptor {
     Q_PROPERTY(QStringList IconThemePath READ iconThemePath)
 
 public:
-    explicit Adaptor(DBusMenu& menu) : QDBusAbstractAdaptor(&menu), menu_(menu) {}
+    explicit Adaptor(DBusMenu& menu) : QDBusAbstractAdaptor(&menu), menu_(menu) {
+        connect(&menu, &DBusMenu::changed, this, [this](const QSet<qsizetype>& indices) {
+            MenuNodes nodes;
+            QList<MenuLosses> losses;
+            for (const auto index : indices) {
+                const auto id = rootId + 1 + static_cast<int>(index);
+                nodes.push_back(nodeOf(id, {}));
+                if (!nodes.back().properties.contains(iconKey)) {
+                    losses.push_back({id, {iconKey}});
+                }
+            }
+            Q_EMIT ItemsPropertiesUpdated(nodes, losses);
+        });
+    }
 
     [[nodiscard]] uint version() const { return 2; }
 
-    [[nodiscard]] QString textDirection() const { return QStringLiteral("ltr"); }
+    [[nodiscard]] QString textDirection() const {
+        return QGuiApplication::isRightToLeft() ? QStringLiteral("rtl") : QStringLiteral("ltr");
+    }
 
     [[nodiscard]] QString status() const { return QStringLiteral("normal"); }
 
@@ -78,26 +148,26 @@ public:
 
 public Q_SLOTS:
 
-    uint GetLayout(int parentId, int recursionDepth, const QStringList& /*propertyNames*/,
+    uint GetLayout(int parentId, int recursionDepth, const QStringList& propertyNames,
                    quorvale::platform::desktop::MenuTree& layout) {
         if (refusesUnknown(parentId)) {
             return {};
         }
-        layout.node = nodeOf(parentId);
+        layout.node = nodeOf(parentId, propertyNames);
         if (parentId == rootId && recursionDepth != 0) {
             for (int id = rootId + 1; id <= itemCount(); ++id) {
-                layout.children.push_back(QDBusVariant(QVariant::fromValue(MenuTree{nodeOf(id), {}})));
+                layout.children.push_back(QDBusVariant(QVariant::fromValue(MenuTree{nodeOf(id, propertyNames), {}})));
             }
         }
         return revision;
     }
 
-    quorvale::platform::desktop::MenuNodes GetGroupProperties(const QList<int>& ids,
-                                                              const QStringList& /*propertyNames*/) {
+    /// No ids are all of them.
+    quorvale::platform::desktop::MenuNodes GetGroupProperties(const QList<int>& ids, const QStringList& propertyNames) {
         MenuNodes nodes;
-        for (const auto id : ids) {
-            if (isKnown(id)) {
-                nodes.push_back(nodeOf(id));
+        for (int id = rootId; id <= itemCount(); ++id) {
+            if (ids.isEmpty() || ids.contains(id)) {
+                nodes.push_back(nodeOf(id, propertyNames));
             }
         }
         return nodes;
@@ -107,46 +177,69 @@ public Q_SLOTS:
         if (refusesUnknown(id)) {
             return {};
         }
-        const auto value = nodeOf(id).properties.value(name);
+        const auto value = nodeOf(id, {}).properties.value(name);
         if (!value.isValid()) {
             refuse(QStringLiteral("There is no property %1.").arg(name));
         }
         return QDBusVariant(value);
     }
 
-    void Event(int id, const QString& eventId, const QDBusVariant& /*data*/, uint /*timestamp*/) {
+    void Event(int id, const QString& eventId, const QDBusVariant& /*data*/, uint timestamp) {
         if (!refusesUnknown(id) && eventId == QLatin1String("clicked") && id != rootId) {
             // Later: the panel waits for an answer, which a window that is being made would hold up.
-            QTimer::singleShot(0, &menu_, menu_.items()[static_cast<std::size_t>(id - 1)].action);
+            QTimer::singleShot(0, &menu_, [this, id, timestamp] { Q_EMIT menu_.chosen(actionOf(id), timestamp); });
         }
     }
 
-    bool AboutToShow(int /*id*/) { return false; }
+    bool AboutToShow(int id) {
+        static_cast<void>(refusesUnknown(id));
+        return false;
+    }
+
+Q_SIGNALS:
+    // Spelled out: the toolkit looks a signal's types up by these names.
+    void ItemsPropertiesUpdated(QList<quorvale::platform::desktop::MenuNode> updated,
+                                QList<quorvale::platform::desktop::MenuLosses> removed);
+    void LayoutUpdated(uint revision, int parentId);
 
 private:
-    [[nodiscard]] int itemCount() const { return static_cast<int>(menu_.items().size()); }
+    [[nodiscard]] int itemCount() const { return static_cast<int>(menu_.actions().size()); }
 
-    [[nodiscard]] bool isKnown(int id) const { return id >= rootId && id <= itemCount(); }
+    [[nodiscard]] QAction* actionOf(int id) const { return menu_.actions()[id - rootId - 1]; }
 
     void refuse(const QString& why) const { menu_.sendErrorReply(QDBusError::InvalidArgs, why); }
 
     [[nodiscard]] bool refusesUnknown(int id) const {
-        const auto isUnknown = !isKnown(id);
+        const auto isUnknown = id < rootId || id > itemCount();
         if (isUnknown) {
             refuse(QStringLiteral("There is no item %1.").arg(id));
         }
         return isUnknown;
     }
 
-    /// All properties, whichever were asked for.
-    [[nodiscard]] MenuNode nodeOf(int id) const {
+    /// The item with the properties of these names, or with all if there are none.
+    [[nodiscard]] MenuNode nodeOf(int id, const QStringList& names) const {
+        const auto wants = [&](const QString& name) { return names.isEmpty() || names.contains(name); };
+        MenuNode node{id, {}};
+        const auto put = [&](const QString& name, const auto& makeValue) {
+            if (wants(name)) {
+                node.properties.insert(name, makeValue());
+            }
+        };
         if (id == rootId) {
-            return {id, {{QStringLiteral("children-display"), QStringLiteral("submenu")}}};
+            put(QStringLiteral("children-display"), [] { return QStringLiteral("submenu"); });
+            return node;
         }
-        auto label = menu_.items()[static_cast<std::size_t>(id - 1)].label;
-        // A single underscore would mark the key that chooses the item.
-        label.replace(u'_', QLatin1String("__"));
-        return {id, {{QStringLiteral("label"), label}}};
+        const auto& action = *actionOf(id);
+        if (action.isSeparator()) {
+            put(QStringLiteral("type"), [] { return QStringLiteral("separator"); });
+            return node;
+        }
+        put(labelKey, [&] { return label(action); });
+        if (!action.icon().isNull()) {
+            put(iconKey, [&] { return png(action.icon()); });
+        }
+        return node;
     }
 
     DBusMenu& menu_;
@@ -156,17 +249,34 @@ private:
 
 const QString DBusMenu::path = QStringLiteral("/StatusNotifierItem/Menu");
 
-DBusMenu::DBusMenu(QDBusConnection bus, MenuItems items, QObject* parent)
-    : QObject(parent), bus_(std::move(bus)), items_(std::move(items)) {
+DBusMenu::DBusMenu(QDBusConnection bus, const QMenu& menu, QObject* parent)
+    : QObject(parent), bus_(std::move(bus)), actions_(menu.actions()) {
     qDBusRegisterMetaType<MenuNode>();
     qDBusRegisterMetaType<MenuNodes>();
     qDBusRegisterMetaType<MenuTree>();
+    qDBusRegisterMetaType<MenuLosses>();
+    qDBusRegisterMetaType<QList<MenuLosses>>();
     new Adaptor(*this);
     bus_.registerObject(path, this, QDBusConnection::ExportAdaptors);
+    for (qsizetype index = 0; index < actions_.size(); ++index) {
+        connect(actions_[index], &QAction::changed, this, [this, index] {
+            changed_.insert(index);
+            announcement_.start(0, this);
+        });
+    }
 }
 
 DBusMenu::~DBusMenu() {
     bus_.unregisterObject(path);
+}
+
+void DBusMenu::timerEvent(QTimerEvent* event) {
+    if (event->timerId() != announcement_.timerId()) {
+        QObject::timerEvent(event);
+        return;
+    }
+    announcement_.stop();
+    Q_EMIT changed(std::exchange(changed_, {}));
 }
 
 } // namespace quorvale::platform::desktop

@@ -1,25 +1,21 @@
 #pragma once
 
+#include <QBasicTimer>
 #include <QDBusConnection>
 #include <QDBusContext>
+#include <QList>
+#include <QMenu>
 #include <QObject>
+#include <QSet>
 #include <QString>
 
-#include <functional>
-#include <vector>
+#include <cstdint>
 
 namespace quorvale::platform::desktop {
 
-/// One line of a menu, and what the user's choice of it does.
-struct MenuItem {
-    QString label; ///< plain text
-    std::function<void()> action;
-};
-
-using MenuItems = std::vector<MenuItem>;
-
-/// A menu that panels draw themselves: com.canonical.dbusmenu, in its version without
-/// groups of events, for a list of items that doesn't change. GUI thread.
+/// A menu that panels draw themselves: com.canonical.dbusmenu, in its version without groups of events, which tells
+/// panels not to send any. It offers the actions that the menu has when this object is made, separators among them;
+/// their texts and icons may change, and what changes in one turn of the event loop is told at once. GUI thread.
 /// https://github.com/AyatanaIndicators/libdbusmenu/blob/master/libdbusmenu-glib/dbus-menu.xml
 class DBusMenu final : public QObject, public QDBusContext {
     Q_OBJECT
@@ -28,16 +24,28 @@ public:
     /// The object path at which a status notifier item of `bus` has its menu.
     static const QString path;
 
-    DBusMenu(QDBusConnection bus, MenuItems items, QObject* parent = nullptr);
+    /// `menu` outlives this object.
+    DBusMenu(QDBusConnection bus, const QMenu& menu, QObject* parent = nullptr);
     ~DBusMenu() override;
     DBusMenu(const DBusMenu&) = delete;
     DBusMenu& operator=(const DBusMenu&) = delete;
 
-    [[nodiscard]] const MenuItems& items() const { return items_; }
+    [[nodiscard]] const QList<QAction*>& actions() const { return actions_; }
+
+Q_SIGNALS:
+    /// The user chose `action`, at a time by the panel's clock: on X11 the server's, or 0.
+    void chosen(QAction* action, std::uint32_t timestamp);
+    /// These of the actions have a new text or icon.
+    void changed(const QSet<qsizetype>& indices);
+
+protected:
+    void timerEvent(QTimerEvent* event) override;
 
 private:
     QDBusConnection bus_;
-    MenuItems items_;
+    const QList<QAction*> actions_;
+    QSet<qsizetype> changed_;
+    QBasicTimer announcement_;
 };
 
 } // namespace quorvale::platform::desktop

@@ -1,6 +1,7 @@
 #include "platform/desktop/status_icon/MenuBarIcon.hpp"
 
 #include "platform/desktop/appearance/SymbolImage.hpp"
+#include "platform/desktop/status_icon/edged.hpp"
 
 #include <QIconEngine>
 #include <QImageReader>
@@ -28,6 +29,10 @@ QList<QSize> imageSizes(QSizeF size) {
         sizes.push_back({std::max(1, static_cast<int>(std::lround(size.width() / labelHeight * height))), height});
     }
     return sizes;
+}
+
+MenuBarIcon withEdges(QSizeF size, std::function<QImage(QSize)> draw) {
+    return {size, [draw = std::move(draw)](QSize pixels) { return edged(pixels, draw); }};
 }
 
 class DrawnIcon final : public QIconEngine {
@@ -78,7 +83,7 @@ std::expected<MenuBarIcon, QString> MenuBarIcon::load(const QString& path) {
         if (!size) {
             return unusable();
         }
-        return MenuBarIcon{*size, [drawing](QSize pixels) { return drawing->image(pixels); }};
+        return withEdges(*size, [drawing](QSize pixels) { return drawing->image(pixels); });
     }
     QImageReader reader(path);
     const auto picture = reader.read();
@@ -89,15 +94,15 @@ std::expected<MenuBarIcon, QString> MenuBarIcon::load(const QString& path) {
     if (!size) {
         return unusable();
     }
-    return MenuBarIcon{*size, [picture](QSize pixels) {
-                           return picture.scaled(pixels, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-                       }};
+    return withEdges(*size, [picture](QSize pixels) {
+        return picture.scaled(pixels, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    });
 }
 
 MenuBarIcon MenuBarIcon::fromSymbol(const QString& path, const QColor& tint) {
     const auto drawing = std::make_shared<const SymbolImage>(path);
     const auto size = menuBarIconSize(drawing->naturalSize()).value_or(QSizeF(labelHeight, labelHeight));
-    return {size, [drawing, tint](QSize pixels) { return drawing->image(pixels, tint); }};
+    return withEdges(size, [drawing, tint](QSize pixels) { return drawing->image(pixels, tint); });
 }
 
 QList<QImage> MenuBarIcon::images() const {

@@ -17,7 +17,8 @@ namespace quorvale::platform::desktop {
 /// a natural size that has no usable proportions: nothing, or more than sixteen times as long as it is high.
 std::optional<QSizeF> menuBarIconSize(QSizeF natural);
 
-/// The label image of a menu-bar extra, for panels of any height and scale.
+/// The label image of a menu-bar extra, for panels of any height, scale and colour: what is drawn has a thin edge that
+/// is dark, then light.
 struct MenuBarIcon {
     /// In points.
     QSizeF size;

@@ -30,12 +30,9 @@ QPoint anchorFor(QPoint panelsWord) {
 
 } // namespace
 
-StatusIcon::StatusIcon(const QDBusConnection& bus, StatusNotifierItem::Description description, QObject* parent)
-    : QObject(parent), item_(bus, std::move(description)), host_(bus) {
-    for (const auto& [label, action] : item_.description().menu) {
-        // A single ampersand would mark the key that chooses the item.
-        menu_.addAction(QString(label).replace(u'&', QLatin1String("&&")), this, action);
-    }
+StatusIcon::StatusIcon(const QDBusConnection& bus, StatusNotifierItem::Description description, QMenu& menu,
+                       QObject* parent)
+    : QObject(parent), menu_(menu), item_(bus, std::move(description), menu), host_(bus) {
     connect(&item_, &StatusNotifierItem::contextMenuRequested, this, [this](QPoint position) {
         // A Wayland client can't place a menu that no window of its own is under; panels there draw it themselves.
         if (windowSystem() == WindowSystem::X11) {

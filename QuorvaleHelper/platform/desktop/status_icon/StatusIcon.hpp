@@ -27,7 +27,10 @@ public:
     /// How long a panel may be away before the system tray is tried instead: one that restarts is back by then.
     static constexpr std::chrono::seconds hostGrace{5};
 
-    StatusIcon(const QDBusConnection& bus, StatusNotifierItem::Description description, QObject* parent = nullptr);
+    /// `menu` is what the icon offers, through panels that draw it themselves and by itself for others. It has all its
+    /// actions and outlives the icon.
+    StatusIcon(const QDBusConnection& bus, StatusNotifierItem::Description description, QMenu& menu,
+               QObject* parent = nullptr);
     ~StatusIcon() override;
     StatusIcon(const StatusIcon&) = delete;
     StatusIcon& operator=(const StatusIcon&) = delete;
@@ -51,8 +54,7 @@ private:
     void followHost();
     void showInSystemTray();
 
-    /// For a panel that doesn't draw the item's menu itself.
-    QMenu menu_;
+    QMenu& menu_;
     InputGrab menuGrab_{menu_};
     StatusNotifierItem item_;
     StatusNotifierHostWatch host_;

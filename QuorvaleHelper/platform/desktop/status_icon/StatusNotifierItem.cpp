@@ -2,6 +2,7 @@
 
 #include "platform/desktop/windows/ActivationToken.hpp"
 
+#include <QAction>
 #include <QDBusAbstractAdaptor>
 #include <QDBusArgument>
 #include <QDBusMetaType>
@@ -144,17 +145,21 @@ private:
 
 } // namespace
 
-StatusNotifierItem::StatusNotifierItem(QDBusConnection bus, Description description, QObject* parent)
+StatusNotifierItem::StatusNotifierItem(QDBusConnection bus, Description description, const QMenu& menu, QObject* parent)
     : QObject(parent),
       bus_(std::move(bus)),
       description_(std::move(description)),
-      menu_(bus_, menuItems()),
+      menu_(bus_, menu),
       toolTip_(description_.title) {
     qDBusRegisterMetaType<NotifierPixmap>();
     qDBusRegisterMetaType<NotifierPixmaps>();
     qDBusRegisterMetaType<NotifierToolTip>();
     new Adaptor(*this);
     bus_.registerObject(itemPath, this, QDBusConnection::ExportAdaptors);
+    connect(&menu_, &DBusMenu::chosen, this, [this](QAction* action, std::uint32_t timestamp) {
+        const ActivationToken token(takeActivationToken(), timestamp);
+        action->trigger();
+    });
 }
 
 StatusNotifierItem::~StatusNotifierItem() {
@@ -171,17 +176,6 @@ void StatusNotifierItem::setToolTip(const QString& text) {
 void StatusNotifierItem::setAnnouncements(Announcements announcements) {
     announcements_ = announcements;
     announce();
-}
-
-MenuItems StatusNotifierItem::menuItems() {
-    auto items = description_.menu;
-    for (auto& item : items) {
-        item.action = [this, action = std::move(item.action)] {
-            const ActivationToken token(takeActivationToken());
-            action();
-        };
-    }
-    return items;
 }
 
 void StatusNotifierItem::announce() {

@@ -24,16 +24,14 @@ public:
         /// Names the program where panels list their icons.
         QString title;
         MenuBarIcon icon;
-        /// What a right click on the icon offers.
-        MenuItems menu;
     };
 
     /// Whether panels are told of a new tooltip at once, or later: they may show it there and then if the pointer rests
     /// on the icon.
     enum class Announcements { Prompt, Held };
 
-    /// Exports the item on `bus`, which shows no other.
-    StatusNotifierItem(QDBusConnection bus, Description description, QObject* parent = nullptr);
+    /// Exports the item on `bus`, which shows no other. `menu` outlives it.
+    StatusNotifierItem(QDBusConnection bus, Description description, const QMenu& menu, QObject* parent = nullptr);
     ~StatusNotifierItem() override;
     StatusNotifierItem(const StatusNotifierItem&) = delete;
     StatusNotifierItem& operator=(const StatusNotifierItem&) = delete;
@@ -55,16 +53,14 @@ public:
 
 Q_SIGNALS:
     /// The user wants the item's window. `position` is where, in native pixels of the whole desktop, or (0, 0) from a
-    /// panel that doesn't know. `activationToken` lets the window take the focus on Wayland; it may be empty. Both
-    /// are a peer's word.
+    /// panel that doesn't know. `activationToken` lets the window come to the front; it may be empty. Both are a peer's
+    /// word.
     void activated(QPoint position, const QString& activationToken);
     void toolTipChanged();
     /// A panel that doesn't draw the menu itself wants it shown at `position`, as for `activated`.
     void contextMenuRequested(QPoint position);
 
 private:
-    /// Those of the description, which may take the focus if the panel lets them.
-    MenuItems menuItems();
     void announce();
 
     QDBusConnection bus_;

@@ -4,32 +4,69 @@
 
 #include <QtGlobal>
 
+#include <algorithm>
+#include <utility>
+
 namespace quorvale::platform::desktop {
 
 namespace {
 
-constexpr auto variable = "XDG_ACTIVATION_TOKEN";
+constexpr auto tokenVariable = "XDG_ACTIVATION_TOKEN";
+constexpr auto startupVariable = "DESKTOP_STARTUP_ID";
+constexpr qsizetype longest = 512;
+
+ActivationToken* innermost = nullptr;
+
+QByteArray checked(const QString& token) {
+    const bool isPlain = token.size() <= longest &&
+                         std::ranges::all_of(token, [](QChar letter) { return letter > u' ' && letter <= u'~'; });
+    return isPlain ? token.toLatin1() : QByteArray();
+}
+
+/// The number behind the last "_TIME", with which a startup id ends; 0 if there is none.
+std::uint32_t timeIn(const QByteArray& startupId) {
+    const QByteArray mark = "_TIME";
+    const auto at = startupId.lastIndexOf(mark);
+    return at < 0 ? 0 : startupId.mid(at + mark.size()).toUInt();
+}
+
+QString takeVariable(const char* name) {
+    auto value = qEnvironmentVariable(name);
+    qunsetenv(name);
+    return value;
+}
 
 } // namespace
 
-ActivationToken::ActivationToken(const QString& token) {
-    // Other threads may be reading the environment: it is changed only where the compositor knows the token.
-    if (!token.isEmpty() && windowSystem() == WindowSystem::Wayland) {
-        isSet_ = true;
-        qputenv(variable, token.toUtf8());
+ActivationToken::ActivationToken(const QString& token, std::uint32_t userTime)
+    : token_(checked(token)), userTime_(userTime), outer_(std::exchange(innermost, this)) {
+    if (const auto named = timeIn(token_); named != 0) {
+        userTime_ = named;
+    }
+    // Other threads may be reading the environment: it is changed only where the compositor knows the token. Qt looks
+    // for it there when a window asks to be active.
+    if (!token_.isEmpty() && windowSystem() == WindowSystem::Wayland) {
+        qputenv(tokenVariable, token_);
     }
 }
 
 ActivationToken::~ActivationToken() {
-    if (isSet_) {
-        qunsetenv(variable);
+    innermost = outer_;
+    if (!token_.isEmpty() && windowSystem() == WindowSystem::Wayland) {
+        qunsetenv(tokenVariable);
     }
 }
 
-QString ActivationToken::takeOwn() {
-    const auto token = qEnvironmentVariable(variable);
-    qunsetenv(variable);
-    return token;
+ActivationToken::Own ActivationToken::takeOwn() {
+    return {takeVariable(tokenVariable), takeVariable(startupVariable)};
+}
+
+QByteArray ActivationToken::startupId() {
+    return innermost ? innermost->token_ : QByteArray();
+}
+
+std::uint32_t ActivationToken::userTime() {
+    return innermost ? innermost->userTime_ : 0;
 }
 
 } // namespace quorvale::platform::desktop

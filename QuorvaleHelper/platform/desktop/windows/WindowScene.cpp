@@ -1,5 +1,8 @@
 #include "platform/desktop/windows/WindowScene.hpp"
 
+#include "platform/desktop/windows/bringToFront.hpp"
+#include "platform/desktop/windows/describeWindows.hpp"
+
 #include <QShortcut>
 #include <QVBoxLayout>
 #include <QWidget>
@@ -38,7 +41,9 @@ private:
 };
 
 WindowScene::WindowScene(Description description, QObject* parent)
-    : QObject(parent), description_(std::move(description)), size_(description_.initialSize) {}
+    : QObject(parent), description_(std::move(description)), size_(description_.initialSize) {
+    describeWindows();
+}
 
 WindowScene::~WindowScene() {
     delete window_;
@@ -49,9 +54,7 @@ void WindowScene::open() {
         window_ = new Window(*this);
     }
     window_->setWindowState(window_->windowState() & ~Qt::WindowMinimized);
-    window_->show();
-    window_->raise();
-    window_->activateWindow();
+    bringToFront(*window_);
 }
 
 void WindowScene::dismiss() {

@@ -21,6 +21,8 @@ public:
         bus_.registerService(QStringLiteral("org.freedesktop.portal.Desktop"));
     }
 
+    ~FakePortal() override { bus_.unregisterService(QStringLiteral("org.freedesktop.portal.Desktop")); }
+
     void change(const QString& key, const QVariant& value) {
         Q_EMIT SettingChanged(QStringLiteral("org.freedesktop.appearance"), key, QDBusVariant(value));
     }
@@ -64,6 +66,17 @@ TEST_F(ColorSchemeFollowerTest, IsDarkWhileTheDesktopPrefersThat) {
     EXPECT_TRUE(tests::waitUntil([] { return !isDark(); }));
     portal.change(QStringLiteral("color-scheme"), 1U);
     EXPECT_TRUE(tests::waitUntil(isDark));
+}
+
+TEST_F(ColorSchemeFollowerTest, AsksAPortalThatRestarts) {
+    auto portal = std::make_unique<FakePortal>(session.other, 2U);
+    const ColorSchemeFollower follower(session.program);
+    ASSERT_TRUE(tests::waitUntil([&] { return portal->reads == 1; }));
+    portal.reset();
+    portal = std::make_unique<FakePortal>(session.other, 1U);
+    EXPECT_TRUE(tests::waitUntil(isDark));
+    portal->change(QStringLiteral("color-scheme"), 0U);
+    EXPECT_TRUE(tests::waitUntil([] { return !isDark(); }));
 }
 
 TEST_F(ColorSchemeFollowerTest, IgnoresWhatIsNoColorScheme) {

@@ -1,11 +1,15 @@
 #include "platform/desktop/status_icon/StatusNotifierItem.hpp"
 
 #include "platform/desktop/SessionBus.hpp"
+#include "platform/desktop/windows/ActivationToken.hpp"
 
+#include <QAction>
 #include <QDBusArgument>
 #include <QDBusObjectPath>
 #include <QDBusVariant>
 
+#include <cstdint>
+#include <utility>
 #include <vector>
 
 namespace quorvale::platform::desktop {
@@ -87,12 +91,11 @@ protected:
     }
 
     SessionBus session;
-    int chosen = 0;
+    QMenu menu;
+    QAction* log = menu.addAction(QStringLiteral("Log"));
     StatusNotifierItem item{session.program,
-                            {QStringLiteral("com.quorvale.QuorvaleHelper"),
-                             QStringLiteral("Quorvale Helper"),
-                             icon(),
-                             {{QStringLiteral("Log"), [this] { ++chosen; }}}}};
+                            {QStringLiteral("com.quorvale.QuorvaleHelper"), QStringLiteral("Quorvale Helper"), icon()},
+                            menu};
 };
 
 TEST_F(StatusNotifierItemTest, TellsPanelsWhatItIs) {
@@ -145,12 +148,23 @@ TEST_F(StatusNotifierItemTest, UsesATokenUpWithWhatItWasGivenFor) {
         EXPECT_EQ(call("Activate", arguments).type(), QDBusMessage::ErrorMessage);
     }
 
-    EXPECT_EQ(call("ProvideXdgActivationToken", {QStringLiteral("token")}).type(), QDBusMessage::ReplyMessage);
+    std::vector<std::pair<QByteArray, std::uint32_t>> choices;
+    QObject::connect(log, &QAction::triggered,
+                     [&] { choices.emplace_back(ActivationToken::startupId(), ActivationToken::userTime()); });
     auto choice = QDBusMessage::createMethodCall(session.program.baseService(), DBusMenu::path,
                                                  QStringLiteral("com.canonical.dbusmenu"), QStringLiteral("Event"));
-    choice << 1 << QStringLiteral("clicked") << QVariant::fromValue(QDBusVariant(QString())) << 0U;
-    EXPECT_EQ(session.ask(choice).type(), QDBusMessage::ReplyMessage);
-    EXPECT_TRUE(tests::waitUntil([&] { return chosen == 1; }));
+    choice << 1 << QStringLiteral("clicked") << QVariant::fromValue(QDBusVariant(QString())) << 7U;
+    for (const auto& token : {QStringLiteral("token"), QStringLiteral("panel-1_TIME12"), QString(), QString(1000, u'x'),
+                              QStringLiteral("to\nken"), QStringLiteral("_TIME99999999999")}) {
+        EXPECT_EQ(call("ProvideXdgActivationToken", {token}).type(), QDBusMessage::ReplyMessage);
+        const auto before = choices.size();
+        EXPECT_EQ(session.ask(choice).type(), QDBusMessage::ReplyMessage);
+        EXPECT_TRUE(tests::waitUntil([&] { return choices.size() > before; }));
+    }
+    const std::vector<std::pair<QByteArray, std::uint32_t>> expectedChoices{
+        {"token", 7}, {"panel-1_TIME12", 12}, {"", 7}, {"", 7}, {"", 7}, {"_TIME99999999999", 7}};
+    EXPECT_EQ(choices, expectedChoices);
+    EXPECT_EQ(ActivationToken::startupId(), QByteArray());
     EXPECT_EQ(call("Activate", {0, 0}).type(), QDBusMessage::ReplyMessage);
     const std::vector<std::pair<QPoint, QString>> expected{
         {{1200, 12}, QStringLiteral("token")}, {{-5, 0}, QString()}, {{0, 0}, QString()}};

@@ -2,6 +2,7 @@
 
 #include "support/waitUntil.hpp"
 
+#include <QAccessible>
 #include <QApplication>
 #include <QTest>
 #include <gtest/gtest.h>
@@ -41,7 +42,9 @@ TEST_F(WindowSceneTest, IsOneWindowThatFollowsItsContentsLimitsAndRemembersItsSi
     scene.open();
     EXPECT_EQ(contents, 1);
     ASSERT_NE(window(), nullptr);
-    EXPECT_EQ(window()->windowTitle(), QStringLiteral("Log"));
+    const auto* const accessible = QAccessible::queryAccessibleInterface(window());
+    EXPECT_EQ(accessible->role(), QAccessible::Window);
+    EXPECT_EQ(accessible->text(QAccessible::Name), QStringLiteral("Log"));
     EXPECT_EQ(window()->size(), QSize(300, 200));
     window()->resize(10, 10);
     EXPECT_EQ(window()->size(), QSize(250, 150));

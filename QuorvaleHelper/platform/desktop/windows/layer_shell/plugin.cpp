@@ -2,8 +2,8 @@
 
 #include <QGuiApplication>
 #include <QWindow>
-#include <LayerShellQt/window.h>
 
+#include <LayerShellQt/window.h>
 #include <cstdint>
 #include <cstring>
 #include <memory>

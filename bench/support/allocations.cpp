@@ -62,10 +62,10 @@ void operator delete[](void* memory, const std::nothrow_t& /*tag*/) noexcept {
     std::free(memory);
 }
 
-namespace quorvale::tests {
+namespace quorvale::bench {
 
 std::size_t allocations() {
     return calls;
 }
 
-} // namespace quorvale::tests
+} // namespace quorvale::bench

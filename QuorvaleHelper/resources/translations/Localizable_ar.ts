@@ -1,0 +1,23 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="ar">
+<context>
+    <name></name>
+    <message id="Log">
+        <source></source>
+        <translation>السجل</translation>
+    </message>
+    <message id="Done">
+        <source></source>
+        <translation>تم</translation>
+    </message>
+    <message id="Protected">
+        <source></source>
+        <translation>محمي</translation>
+    </message>
+    <message id="Unprotected">
+        <source></source>
+        <translation>غير محمي</translation>
+    </message>
+</context>
+</TS>

@@ -1,0 +1,23 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="es">
+<context>
+    <name></name>
+    <message id="Log">
+        <source></source>
+        <translation>Registro</translation>
+    </message>
+    <message id="Done">
+        <source></source>
+        <translation>Listo</translation>
+    </message>
+    <message id="Protected">
+        <source></source>
+        <translation>Protegido</translation>
+    </message>
+    <message id="Unprotected">
+        <source></source>
+        <translation>Sin protección</translation>
+    </message>
+</context>
+</TS>

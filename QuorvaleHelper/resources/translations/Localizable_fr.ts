@@ -1,0 +1,23 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="fr">
+<context>
+    <name></name>
+    <message id="Log">
+        <source></source>
+        <translation>Journal</translation>
+    </message>
+    <message id="Done">
+        <source></source>
+        <translation>Terminé</translation>
+    </message>
+    <message id="Protected">
+        <source></source>
+        <translation>Protégé</translation>
+    </message>
+    <message id="Unprotected">
+        <source></source>
+        <translation>Non protégé</translation>
+    </message>
+</context>
+</TS>
