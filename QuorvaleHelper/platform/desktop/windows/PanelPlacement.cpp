@@ -1,5 +1,8 @@
 #include "platform/desktop/windows/PanelPlacement.hpp"
 
+#include <QGuiApplication>
+#include <QScreen>
+
 #include <algorithm>
 #include <array>
 #include <optional>
@@ -27,6 +30,15 @@ int within(int value, int low, int high) {
 }
 
 } // namespace
+
+ScreenGeometry ScreenGeometry::of(const QScreen& screen) {
+    return {screen.geometry(), screen.availableGeometry(), screen.devicePixelRatio()};
+}
+
+ScreenGeometry ScreenGeometry::at(QPoint place) {
+    const auto* const screen = QGuiApplication::screenAt(place);
+    return of(screen ? *screen : *QGuiApplication::primaryScreen());
+}
 
 QPoint anchorPoint(QPoint panelsWord, PanelActivation activation, QPoint pointer,
                    std::span<const ScreenGeometry> screens) {

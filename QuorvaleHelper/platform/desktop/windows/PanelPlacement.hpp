@@ -9,6 +9,8 @@
 
 #include <span>
 
+class QScreen;
+
 namespace quorvale::platform::desktop {
 
 /// One screen of an X11 desktop. `geometry` and `available`, the part that no panel covers, are in logical pixels;
@@ -17,6 +19,11 @@ struct ScreenGeometry {
     QRect geometry;
     QRect available;
     qreal devicePixelRatio = 1;
+
+    static ScreenGeometry of(const QScreen& screen);
+
+    /// The screen at `place`, or else the primary one. GUI thread.
+    static ScreenGeometry at(QPoint place);
 };
 
 /// Where the icon is that the user has activated, in logical pixels. The pointer, at `pointer` in logical pixels,
