@@ -38,6 +38,12 @@ install_packages() {
   "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -q -y --no-install-recommends "${missing[@]}"
 }
 
+# Where this machine has its Debian from.
+mirror() {
+  # shellcheck disable=SC2016 # apt's own variable
+  apt-get indextargets 'Identifier: Packages' 'Origin: Debian' 'Label: Debian' --format '$(REPO_URI)' | head -n 1
+}
+
 # wait_for SECONDS WHAT COMMAND...: until COMMAND succeeds.
 wait_for() {
   local end=$((SECONDS + $1)) what=$2
