@@ -48,6 +48,16 @@ QPoint bareDesktop() {
     return {200, 500};
 }
 
+/// The bus name of the item in the panel.
+std::string itemService(const DesktopSession& session) {
+    const auto item =
+        session.run({"gdbus", "call", "--session", "--dest", "org.kde.StatusNotifierWatcher", "--object-path",
+                     "/StatusNotifierWatcher", "--method", "org.freedesktop.DBus.Properties.Get",
+                     "org.kde.StatusNotifierWatcher", "RegisteredStatusNotifierItems"});
+    const auto from = item.find('\'') + 1;
+    return item.substr(from, item.find('/') - from);
+}
+
 } // namespace
 
 TEST(PanelTest, ShowsTheIconWheneverAPanelStarts) {
@@ -91,12 +101,7 @@ TEST(PanelTest, ShowsEachStatusInTheOpenWindow) {
     agent.send("updateProtectionStatus false");
     EXPECT_EQ(session.waitForArea(SystemColors::red), red);
 
-    const auto item =
-        session.run({"gdbus", "call", "--session", "--dest", "org.kde.StatusNotifierWatcher", "--object-path",
-                     "/StatusNotifierWatcher", "--method", "org.freedesktop.DBus.Properties.Get",
-                     "org.kde.StatusNotifierWatcher", "RegisteredStatusNotifierItems"});
-    const auto from = item.find('\'') + 1;
-    const auto service = item.substr(from, item.find('/') - from);
+    const auto service = itemService(session);
     const auto toolTip = [&] {
         return session.run({"gdbus", "call", "--session", "--dest", service, "--object-path", "/StatusNotifierItem",
                             "--method", "org.freedesktop.DBus.Properties.Get", "org.kde.StatusNotifierItem",
@@ -108,30 +113,56 @@ TEST(PanelTest, ShowsEachStatusInTheOpenWindow) {
     EXPECT_THAT(toolTip(), testing::HasSubstr("Quorvale Helper: Protected"));
 }
 
-TEST(PanelTest, DismissesTheWindowAsMenusAreDismissed) {
+TEST(PanelTest, DismissesTheWindowAndTheMenuAsMenusAreDismissed) {
     const DesktopSession session;
     HelperProcess const helper(session.environment());
     const auto icon = session.icon();
-
-    struct Case {
-        const char* name;
-        std::function<void()> dismiss;
+    const auto service = itemService(session);
+    const auto ask = [&](const char* method, QPoint place) {
+        session.run({"gdbus", "call", "--session", "--dest", service, "--object-path", "/StatusNotifierItem",
+                     "--method", std::string("org.kde.StatusNotifierItem.") + method, "--", std::to_string(place.x()),
+                     std::to_string(place.y())});
     };
-
-    const std::vector<Case> cases{
+    const auto windows = [&] {
+        return session.run({"sh", "-c", "xdotool search --onlyvisible --maxdepth 1 --class QuorvaleHelper || true"});
+    };
+    const auto shows = [&](bool anything) { return waitUntil([&] { return windows().empty() != anything; }); };
+    using Step = std::pair<const char*, std::function<void()>>;
+    const auto held = [&](const char* method) {
+        return [&, method] {
+            // As panels do that act when the button goes down, and hold the pointer until it goes up. One of them
+            // counts from a corner of its own.
+            session.run({"xdotool", "mousemove", std::to_string(icon.x()), std::to_string(icon.y()), "mousedown", "9"});
+            ask(method, {0, 25});
+            EXPECT_TRUE(shows(true));
+            session.run({"xdotool", "mouseup", "9"});
+        };
+    };
+    const std::vector<Step> openings{
+        {"a click", [&] { session.click(icon); }},
+        {"a button that is held", held("Activate")},
+        {"the menu", [&] { ask("ContextMenu", icon); }},
+        {"the menu, a button that is held", held("ContextMenu")},
+    };
+    const std::vector<Step> dismissals{
         {"a click on the icon", [&] { session.click(icon); }},
         {"a click elsewhere", [&] { session.click(bareDesktop()); }},
         {"Escape", [&] { session.press("Escape"); }},
     };
-    for (const auto& [name, dismiss] : cases) {
-        session.click(icon);
-        ASSERT_FALSE(session.waitForArea(SystemColors::red).isEmpty()) << name;
-        dismiss();
-        EXPECT_TRUE(session.waitForNothingOf(SystemColors::red)) << name;
-        // An answer of the helper proves that nothing is still on its way to it.
-        session.run(
-            {"gdbus", "introspect", "--session", "--dest", "com.quorvale.QuorvaleHelper", "--object-path", "/"});
-        EXPECT_TRUE(session.waitForNothingOf(SystemColors::red)) << name << " does not open it again";
+    for (const auto& [opening, open] : openings) {
+        for (const auto& [dismissal, dismiss] : dismissals) {
+            const testing::ScopedTrace trace(__FILE__, __LINE__, std::string(opening) + ", " + dismissal);
+            open();
+            ASSERT_TRUE(shows(true));
+            const auto window = session.window("Quorvale Helper");
+            EXPECT_TRUE(window.isEmpty() || (window.top() < 64 && window.right() > 1240)) << "it is at the icon";
+            dismiss();
+            EXPECT_TRUE(shows(false));
+            // An answer of the helper proves that nothing is still on its way to it.
+            session.run(
+                {"gdbus", "introspect", "--session", "--dest", "com.quorvale.QuorvaleHelper", "--object-path", "/"});
+            EXPECT_TRUE(shows(false)) << "it is not opened again";
+        }
     }
 }
 

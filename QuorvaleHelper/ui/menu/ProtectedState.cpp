@@ -4,6 +4,7 @@
 #include "ui/common/localized.hpp"
 #include "ui/menu/SystemColors.hpp"
 
+#include <QAccessible>
 #include <QPainter>
 #include <QStyle>
 
@@ -64,7 +65,18 @@ void ProtectedState::setProtected(bool isProtected) {
     setText(look_.text);
     // A label doesn't tell of its text in every version of Qt; any widget does of its name.
     setAccessibleName(look_.text);
+    announce();
     update();
+}
+
+/// Screen readers say the new name of what has the focus, but of nothing else.
+void ProtectedState::announce() {
+#if QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
+    if (isVisible() && !hasFocus()) {
+        QAccessibleAnnouncementEvent announcement(this, look_.text);
+        QAccessible::updateAccessibility(&announcement);
+    }
+#endif
 }
 
 QSize ProtectedState::sizeHint() const {

@@ -48,6 +48,8 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    void announce();
+
     const double iconSize_;
     ProtectedLook look_;
     platform::desktop::SymbolImage symbol_;

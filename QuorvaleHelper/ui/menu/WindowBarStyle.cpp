@@ -33,7 +33,7 @@ protected:
 
 WindowBarStyle::WindowBarStyle(status::StatusManager& statusManager, platform::queue::MainQueue& mainQueue,
                                double iconSize, Actions actions) {
-    auto* const indicator = new ProtectedState(statusManager.status(), iconSize);
+    indicator_ = new ProtectedState(statusManager.status(), iconSize);
     auto* const settings =
         new MenuButton(QStringLiteral("Settings..."), [dismiss = std::move(actions.dismiss),
                                                        openMainApplication = std::move(actions.openMainApplication)] {
@@ -53,13 +53,20 @@ WindowBarStyle::WindowBarStyle(status::StatusManager& statusManager, platform::q
     auto* const column = new QVBoxLayout(this);
     column->setContentsMargins({});
     column->setSpacing(0);
-    column->addWidget(indicator);
+    column->addWidget(indicator_);
     column->addLayout(buttons);
     // Everything in the column asks for all the width there is.
     setFixedWidth(columnWidth);
 
     statusChanges_ = platform::observable::objectDidChange(
-        statusManager, mainQueue, [&statusManager, indicator] { indicator->setProtected(statusManager.status()); });
+        statusManager, mainQueue, [this, &statusManager] { indicator_->setProtected(statusManager.status()); });
+}
+
+void WindowBarStyle::showEvent(QShowEvent* event) {
+    // Until the user asks for a control: the first Tab goes to the first. Screen readers say what has the focus, and
+    // its new name when the status changes.
+    indicator_->setFocus();
+    QWidget::showEvent(event);
 }
 
 } // namespace quorvale::ui::menu

@@ -33,7 +33,11 @@ public:
     WindowBarStyle(status::StatusManager& statusManager, platform::queue::MainQueue& mainQueue, double iconSize,
                    Actions actions);
 
+protected:
+    void showEvent(QShowEvent* event) override;
+
 private:
+    ProtectedState* indicator_;
     platform::observable::Subscription statusChanges_;
 };
 

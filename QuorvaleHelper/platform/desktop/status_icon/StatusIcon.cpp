@@ -21,7 +21,7 @@ QPoint anchorFor(QPoint panelsWord) {
     for (const auto* screen : QGuiApplication::screens()) {
         screens.push_back({screen->geometry(), screen->availableGeometry(), screen->devicePixelRatio()});
     }
-    return anchorPoint(panelsWord, QCursor::pos(), screens);
+    return anchorPoint(panelsWord, panelActivation(), QCursor::pos(), screens);
 }
 
 } // namespace
@@ -33,6 +33,15 @@ StatusIcon::StatusIcon(const QDBusConnection& bus, StatusNotifierItem::Descripti
         // A Wayland client can't place a menu that no window of its own is under; panels there draw it themselves.
         if (windowSystem() == WindowSystem::X11) {
             menu_.popup(anchorFor(position));
+            // Qt asks but once, and the panel may still hold the button then.
+            menuGrab_.take();
+        }
+    });
+    connect(&menu_, &QMenu::aboutToHide, &menuGrab_, &InputGrab::release);
+    connect(&menuGrab_, &InputGrab::clickedElsewhere, &menu_, &QMenu::close);
+    connect(&menuGrab_, &InputGrab::pressedTooEarly, &menu_, [this](QPoint place) {
+        if (!menu_.geometry().contains(place)) {
+            menu_.close();
         }
     });
     connect(&item_, &StatusNotifierItem::activated, this,

@@ -2,6 +2,7 @@
 
 #include "platform/desktop/status_icon/StatusNotifierHostWatch.hpp"
 #include "platform/desktop/status_icon/StatusNotifierItem.hpp"
+#include "platform/desktop/windows/InputGrab.hpp"
 
 #include <QBasicTimer>
 #include <QDBusConnection>
@@ -54,6 +55,7 @@ private:
     void showInSystemTray();
 
     QMenu& menu_;
+    InputGrab menuGrab_{menu_};
     StatusNotifierItem item_;
     StatusNotifierHostWatch host_;
     QBasicTimer absence_;

@@ -2,27 +2,23 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 
 namespace quorvale::platform::desktop {
 
 namespace {
 
 constexpr int gap = 4;
-/// How far the pointer may have moved, in native pixels, since the panel looked.
+/// How far the pointer may have moved, in logical pixels, since the panel looked.
 constexpr int tolerance = 8;
 
 QRect nativeGeometry(const ScreenGeometry& screen) {
     return {screen.geometry.topLeft(), (QSizeF(screen.geometry.size()) * screen.devicePixelRatio).toSize()};
 }
 
-QPoint toNative(QPoint point, const ScreenGeometry& screen) {
+QPoint toLogical(QPointF point, const ScreenGeometry& screen) {
     const auto origin = screen.geometry.topLeft();
-    return origin + (QPointF(point - origin) * screen.devicePixelRatio).toPoint();
-}
-
-QPoint toLogical(QPoint point, const ScreenGeometry& screen) {
-    const auto origin = screen.geometry.topLeft();
-    return origin + (QPointF(point - origin) / screen.devicePixelRatio).toPoint();
+    return origin + ((point - origin) / screen.devicePixelRatio).toPoint();
 }
 
 /// As std::clamp, but with the lower limit where there is no room.
@@ -32,26 +28,34 @@ int within(int value, int low, int high) {
 
 } // namespace
 
-QPoint anchorPoint(QPoint panelsWord, QPoint pointer, std::span<const ScreenGeometry> screens) {
-    if (panelsWord.isNull()) {
-        return pointer;
-    }
+QPoint anchorPoint(QPoint panelsWord, PanelActivation activation, QPoint pointer,
+                   std::span<const ScreenGeometry> screens) {
     const auto pointersScreen =
         std::ranges::find_if(screens, [&](const auto& screen) { return screen.geometry.contains(pointer); });
-    if (pointersScreen != screens.end()) {
-        const auto native = toNative(pointer, *pointersScreen);
-        for (const auto scale : std::array{2, 3}) {
-            // In qint64: a peer's numbers may be anything.
-            const auto x = qint64{panelsWord.x()} * scale - native.x();
-            const auto y = qint64{panelsWord.y()} * scale - native.y();
-            if (std::abs(x) <= tolerance && std::abs(y) <= tolerance) {
+    const auto pointerIsOnPanel = pointersScreen != screens.end() && !pointersScreen->available.contains(pointer);
+    if (panelsWord.isNull() || activation == PanelActivation::ByPointer ||
+        (activation == PanelActivation::Unknown && pointerIsOnPanel)) {
+        return pointer;
+    }
+    std::optional<QPoint> onScreen;
+    for (const auto scale : std::array{1, 2, 3}) {
+        // In qreal: a peer's numbers may be anything.
+        const auto native = QPointF(panelsWord) * scale;
+        for (const auto& screen : screens) {
+            if (!QRectF(nativeGeometry(screen)).contains(native)) {
+                continue;
+            }
+            const auto place = toLogical(native, screen);
+            if ((place - pointer).manhattanLength() <= tolerance) {
                 return pointer;
             }
+            if (!screen.available.contains(place)) {
+                return place;
+            }
+            onScreen = onScreen.value_or(place);
         }
     }
-    const auto screen = std::ranges::find_if(
-        screens, [&](const auto& candidate) { return nativeGeometry(candidate).contains(panelsWord); });
-    return screen == screens.end() ? pointer : toLogical(panelsWord, *screen);
+    return onScreen.value_or(pointer);
 }
 
 QPoint panelTopLeft(QPoint anchor, QSize size, const ScreenGeometry& screen) {

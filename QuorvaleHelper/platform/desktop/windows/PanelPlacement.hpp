@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/desktop/windows/PanelActivation.hpp"
+
 #include <QPoint>
 #include <QRect>
 #include <QSize>
@@ -16,10 +18,13 @@ struct ScreenGeometry {
     qreal devicePixelRatio = 1;
 };
 
-/// Where the user clicked, in logical pixels, from what a panel says: a point in native pixels, in native pixels
-/// divided by the panel's own whole scale, or (0, 0). `pointer` is the pointer's place in logical pixels; it decides
-/// when the panel's word is of no use.
-QPoint anchorPoint(QPoint panelsWord, QPoint pointer, std::span<const ScreenGeometry> screens);
+/// Where the icon is that the user has activated, in logical pixels. The pointer, at `pointer` in logical pixels,
+/// decides when the activation came from it, which is also taken for granted while it stands where the screen is
+/// covered by a panel. Otherwise the panel's word does: a point in native pixels, or in native pixels divided by the
+/// panel's own whole scale. Some panels say (0, 0), or count from a corner of their own: the pointer decides again when
+/// the word is of no use.
+QPoint anchorPoint(QPoint panelsWord, PanelActivation activation, QPoint pointer,
+                   std::span<const ScreenGeometry> screens);
 
 /// The top left corner of a window of `size` that belongs to an icon at `anchor`: beside the panel that the icon is
 /// in, centred at the icon as far as the screen allows. Logical pixels.

@@ -1,18 +1,14 @@
 #include "platform/desktop/windows/PanelWindow.hpp"
 
-#include "platform/desktop/windows/InputGrab.hpp"
 #include "platform/desktop/windows/PanelPlacement.hpp"
+#include "platform/desktop/windows/describeWindows.hpp"
 
-#include <QCloseEvent>
 #include <QGuiApplication>
 #include <QKeyEvent>
-#include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
 #include <QScreen>
-#include <QTimerEvent>
 #include <QVBoxLayout>
-#include <QWindow>
 
 namespace quorvale::platform::desktop {
 
@@ -20,9 +16,10 @@ namespace {
 
 constexpr qreal cornerRadius = 8;
 constexpr int borderWidth = 1;
-constexpr int grabInterval = 20;  // milliseconds
+/// How far from its middle an icon reaches.
+constexpr int iconReach = 32;
+/// No protocol tells which click a panel speaks of when it asks for the window, nor that it won't.
 constexpr qint64 sameClick = 300; // milliseconds
-constexpr qint64 lateNews = 200;  // milliseconds
 
 QPainterPath outline(const QRectF& rect, qreal radius) {
     QPainterPath path;
@@ -31,7 +28,10 @@ QPainterPath outline(const QRectF& rect, qreal radius) {
 }
 
 Qt::WindowFlags flagsFor(PanelWindow::Presentation presentation) {
-    return (presentation == PanelWindow::Presentation::AnchoredPopup ? Qt::Popup : Qt::Window) |
+    // Not a popup of Qt's: assistive technologies would see nothing of it. Not the window manager's either: it would
+    // move it, or keep the keyboard from a window that no click of its own asked for.
+    return (presentation == PanelWindow::Presentation::AnchoredPopup ? Qt::Tool | Qt::X11BypassWindowManagerHint
+                                                                     : Qt::Window) |
            Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint;
 }
 
@@ -39,11 +39,19 @@ Qt::WindowFlags flagsFor(PanelWindow::Presentation presentation) {
 
 PanelWindow::PanelWindow(Presentation presentation)
     : QWidget(nullptr, flagsFor(presentation)), presentation_(presentation) {
+    describeWindows();
     setAttribute(Qt::WA_TranslucentBackground);
     setAttribute(Qt::WA_QuitOnClose, false);
     auto* const layout = new QVBoxLayout(this);
     layout->setContentsMargins(borderWidth, borderWidth, borderWidth, borderWidth);
     layout->setSizeConstraint(QLayout::SetFixedSize);
+    connect(&grab_, &InputGrab::clickedElsewhere, this, &PanelWindow::dismiss);
+    connect(&grab_, &InputGrab::pressedTooEarly, this, [this](QPoint place) {
+        // Of a click on the icon the panel tells.
+        if (!geometry().contains(place) && (place - anchor_).manhattanLength() > iconReach) {
+            dismiss();
+        }
+    });
 }
 
 void PanelWindow::setContent(std::unique_ptr<QWidget> content) {
@@ -53,14 +61,12 @@ void PanelWindow::setContent(std::unique_ptr<QWidget> content) {
 
 void PanelWindow::open(QPoint anchor) {
     anchor_ = anchor;
-    // No control of it has the focus of the keyboard until the user asks for one; the first Tab goes to the first.
-    if (const auto* const content = layout()->itemAt(0)) {
-        content->widget()->setFocus();
-    }
     layout()->activate();
     place();
     show();
-    if (presentation_ == Presentation::PlacedByCompositor) {
+    if (presentation_ == Presentation::AnchoredPopup) {
+        grab_.take();
+    } else {
         activateWindow();
     }
 }
@@ -74,7 +80,8 @@ bool PanelWindow::wasJustDismissedByFocusLoss() const {
 }
 
 bool PanelWindow::event(QEvent* event) {
-    if (event->type() == QEvent::WindowDeactivate && presentation_ == Presentation::PlacedByCompositor && isVisible()) {
+    // A window that is being hidden loses the focus by that, not to anything else.
+    if (event->type() == QEvent::WindowDeactivate && !isHidden()) {
         sinceFocusLoss_.start();
         dismiss();
     }
@@ -82,31 +89,16 @@ bool PanelWindow::event(QEvent* event) {
 }
 
 void PanelWindow::showEvent(QShowEvent* event) {
+    // What compositing managers go by. Qt forgets it where there is no window of the server's yet.
+    setAttribute(Qt::WA_X11NetWmWindowTypeDropDownMenu);
     QWidget::showEvent(event);
-    sinceShown_.start();
-    // The panel under the icon may hold the pointer until the button is up again, and nobody tells when.
-    if (presentation_ == Presentation::AnchoredPopup) {
-        grabTimer_.start(grabInterval, this);
-    }
     Q_EMIT visibilityChanged(true);
 }
 
 void PanelWindow::hideEvent(QHideEvent* event) {
-    grabTimer_.stop();
-    pressedOutside_ = false;
-    if (presentation_ == Presentation::AnchoredPopup) {
-        releaseInput(*windowHandle());
-    }
+    grab_.release();
     QWidget::hideEvent(event);
     Q_EMIT visibilityChanged(false);
-}
-
-void PanelWindow::closeEvent(QCloseEvent* event) {
-    // Qt waits a tenth of a second before it believes that the program has lost the focus, when this window was last
-    // hidden, and then closes all popups, also one that was opened meanwhile.
-    if (presentation_ == Presentation::AnchoredPopup && !sinceShown_.hasExpired(lateNews)) {
-        event->ignore();
-    }
 }
 
 void PanelWindow::resizeEvent(QResizeEvent* event) {
@@ -134,29 +126,10 @@ void PanelWindow::paintEvent(QPaintEvent* /*event*/) {
 void PanelWindow::keyPressEvent(QKeyEvent* event) {
     if (event->matches(QKeySequence::Cancel)) {
         dismiss();
-        return;
-    }
-    QWidget::keyPressEvent(event);
-}
-
-void PanelWindow::mousePressEvent(QMouseEvent* event) {
-    pressedOutside_ = !rect().contains(event->position().toPoint());
-}
-
-void PanelWindow::mouseReleaseEvent(QMouseEvent* event) {
-    // Only now: a panel that saw the button go up over its icon would take that for a click and open the window again.
-    if (pressedOutside_ && event->buttons() == Qt::NoButton) {
-        dismiss();
-    }
-}
-
-void PanelWindow::timerEvent(QTimerEvent* event) {
-    if (event->timerId() != grabTimer_.timerId()) {
-        QWidget::timerEvent(event);
-        return;
-    }
-    if (grabInput(*windowHandle())) {
-        grabTimer_.stop();
+    } else if (event->key() == Qt::Key_Down || event->key() == Qt::Key_Up) {
+        focusNextPrevChild(event->key() == Qt::Key_Down);
+    } else {
+        QWidget::keyPressEvent(event);
     }
 }
 

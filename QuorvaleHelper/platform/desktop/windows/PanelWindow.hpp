@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QBasicTimer>
+#include "platform/desktop/windows/InputGrab.hpp"
+
 #include <QElapsedTimer>
 #include <QPoint>
 #include <QWidget>
@@ -41,23 +42,17 @@ protected:
     bool event(QEvent* event) override;
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
-    void closeEvent(QCloseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
-    void mousePressEvent(QMouseEvent* event) override;
-    void mouseReleaseEvent(QMouseEvent* event) override;
-    void timerEvent(QTimerEvent* event) override;
 
 private:
     void place();
 
     const Presentation presentation_;
     QPoint anchor_;
-    QBasicTimer grabTimer_;
+    InputGrab grab_{*this};
     QElapsedTimer sinceFocusLoss_;
-    QElapsedTimer sinceShown_;
-    bool pressedOutside_ = false;
 };
 
 } // namespace quorvale::platform::desktop

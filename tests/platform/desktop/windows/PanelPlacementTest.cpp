@@ -32,30 +32,40 @@ TEST(PanelPlacementTest, OpensBesideThePanelAndInsideOfTheScreen) {
     }
 }
 
-TEST(PanelPlacementTest, FindsTheIconFromWhatThePanelSays) {
-    // The second screen lies to the right, at twice the scale.
-    const std::vector<ScreenGeometry> screens{{{0, 0, 1000, 800}, {0, 0, 1000, 800}, 1},
-                                              {{1000, 0, 800, 600}, {1000, 0, 800, 600}, 2}};
+TEST(PanelPlacementTest, FindsTheIconFromThePointerOrFromWhatThePanelSays) {
+    using enum PanelActivation;
+    // The second screen lies to the right, at twice the scale. Both have a panel along the upper edge.
+    const std::vector<ScreenGeometry> screens{{{0, 0, 1280, 800}, {0, 32, 1280, 768}, 1},
+                                              {{1280, 0, 800, 600}, {1280, 32, 800, 568}, 2}};
     constexpr QPoint elsewhere(300, 300);
+    constexpr auto most = std::numeric_limits<int>::max();
+    constexpr auto least = std::numeric_limits<int>::min();
 
     struct Case {
         const char* name;
         QPoint word;
+        PanelActivation activation;
         QPoint pointer;
         QPoint expected;
     };
 
-    for (const auto& [name, word, pointer, expected] : {
-             Case{"native pixels", {900, 12}, elsewhere, {900, 12}},
-             Case{"native pixels of a scaled screen", {2400, 24}, elsewhere, {1700, 12}},
-             Case{"nothing", {0, 0}, elsewhere, elsewhere},
-             Case{"a place off the screens", {-40, 9000}, elsewhere, elsewhere},
-             Case{"nonsense", {std::numeric_limits<int>::max(), std::numeric_limits<int>::min()}, elsewhere, elsewhere},
-             Case{"pixels of its own scale", {1200, 12}, {1700, 12}, {1700, 12}},
+    for (const auto& [name, word, activation, pointer, expected] : {
+             Case{"xfce4-panel, a click", {1269, 20}, ByPointer, {1269, 20}, {1269, 20}},
+             Case{"xfce4-panel at scale 2, a click", {1913, 9}, ByPointer, {1913, 9}, {1913, 9}},
+             Case{"MATE, which counts from the item's own corner", {0, 25}, ByPointer, {1130, 16}, {1130, 16}},
+             Case{"MATE, a panel of another toolkit's", {0, 25}, Unknown, {1130, 16}, {1130, 16}},
+             Case{"Enter on a panel", {900, 12}, ByKeyboard, elsewhere, {900, 12}},
+             Case{"Enter on a panel, the pointer on it", {900, 12}, ByKeyboard, {100, 12}, {900, 12}},
+             Case{"assistive technology", {900, 12}, Unknown, elsewhere, {900, 12}},
+             Case{"native pixels of a scaled screen", {2400, 24}, Unknown, elsewhere, {1840, 12}},
+             Case{"a panel's own pixels, beside its pointer", {1240, 300}, Unknown, {1880, 300}, {1880, 300}},
+             Case{"nothing", {0, 0}, ByKeyboard, elsewhere, elsewhere},
+             Case{"a place off the screens", {-40, 9000}, ByKeyboard, elsewhere, elsewhere},
+             Case{"nonsense", {most, least}, ByKeyboard, elsewhere, elsewhere},
          }) {
-        EXPECT_EQ(anchorPoint(word, pointer, screens), expected) << name;
+        EXPECT_EQ(anchorPoint(word, activation, pointer, screens), expected) << name;
     }
-    EXPECT_EQ(anchorPoint({5, 5}, elsewhere, {}), elsewhere);
+    EXPECT_EQ(anchorPoint({5, 5}, Unknown, elsewhere, {}), elsewhere);
 }
 
 } // namespace quorvale::platform::desktop

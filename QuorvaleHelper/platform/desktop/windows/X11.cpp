@@ -1,0 +1,25 @@
+#include "platform/desktop/windows/X11.hpp"
+
+#include <QGuiApplication>
+
+#include <cstdint>
+
+namespace quorvale::platform::desktop::x11 {
+
+xcb_connection_t* connection() {
+    const auto* const x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+    // Platforms without an X server may have the interface, too.
+    return x11 ? x11->connection() : nullptr;
+}
+
+xcb_window_t root() {
+    return xcb_setup_roots_iterator(xcb_get_setup(connection())).data->root;
+}
+
+xcb_atom_t atom(std::string_view name) {
+    const Reply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
+        connection(), xcb_intern_atom(connection(), 0, static_cast<std::uint16_t>(name.size()), name.data()), nullptr));
+    return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
+}
+
+} // namespace quorvale::platform::desktop::x11

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstdlib>
+#include <memory>
+#include <string_view>
+#include <xcb/xcb.h>
+
+/// The connection that Qt has to the X server. GUI thread; every answer is waited for.
+namespace quorvale::platform::desktop::x11 {
+
+struct Free {
+    void operator()(void* memory) const { std::free(memory); }
+};
+
+/// A null one is an error, or the server's end.
+template <class Value>
+using Reply = std::unique_ptr<Value, Free>;
+
+/// Null where the program's windows are not on X11.
+xcb_connection_t* connection();
+
+xcb_window_t root();
+
+xcb_atom_t atom(std::string_view name);
+
+} // namespace quorvale::platform::desktop::x11
