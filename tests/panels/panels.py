@@ -25,6 +25,8 @@ class Panel:
     environment: dict[str, str] = field(default_factory=dict)
     # Whether the window is at the icon's edge of the screen rather than at the icon.
     at_edge: bool = False
+    # Where the tab of a covered window is, if windows have tabs.
+    other_tab: tuple[int, int] | None = None
     not_applicable: dict[str, str] = field(default_factory=dict)
     without_services: str = "portal|Tracker|a11y"
 
@@ -37,8 +39,10 @@ def call(name, path, method, arguments=""):
     return f"gdbus call --session -d {name} -o {path} -m {method} {arguments}"
 
 
-HOST = call("org.kde.StatusNotifierWatcher", "/StatusNotifierWatcher", "org.freedesktop.DBus.Properties.Get",
-            "org.kde.StatusNotifierWatcher IsStatusNotifierHostRegistered") + " | grep -q true"
+WATCHER = call("org.kde.StatusNotifierWatcher", "/StatusNotifierWatcher", "org.freedesktop.DBus.Properties.Get",
+               "org.kde.StatusNotifierWatcher {}")
+HOST = WATCHER.format("IsStatusNotifierHostRegistered") + " | grep -q true"
+ITEMS = WATCHER.format("RegisteredStatusNotifierItems")
 
 OVERVIEW = call("org.gnome.Shell", "/org/gnome/Shell", "org.freedesktop.DBus.Properties.{}",
                 "org.gnome.Shell OverviewActive {}")
@@ -140,6 +144,7 @@ type=worldclock
             ),
             ("waybar", HOST),
         ],
+        other_tab=(100, 28),
         at_edge=True,
         environment={"XDG_CURRENT_DESKTOP": "sway", "XDG_SESSION_TYPE": "wayland", "WAYLAND_DISPLAY": "wayland-1"},
         files={

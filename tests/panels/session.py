@@ -19,7 +19,7 @@ from pathlib import Path
 
 from PIL import Image, ImageChops, ImageGrab, ImageOps, ImageStat
 
-from panels import PANELS, Opens
+from panels import ITEMS, PANELS, Opens
 
 GREEN, RED = (0x1D, 0x87, 0x3B), (0xD7, 0x2C, 0x26)
 OTHER_WINDOW = (0xC0, 0x20, 0xC0)
@@ -95,7 +95,7 @@ def largest_change(before, after):
 
 def words(image):
     """The words in the picture with their centres."""
-    scale = 3
+    scale = 3 if image.width * image.height < 150_000 else 2
     gray = image.convert("L").resize((image.width * scale, image.height * scale), Image.LANCZOS)
     if ImageStat.Stat(gray).median[0] < 128:
         gray = ImageOps.invert(gray)
@@ -260,7 +260,11 @@ class Session:
     # The checks, in their order
 
     def check_icon(self):
-        self.icon_box = until("no icon is in the panel", self.find_icon, 60)
+        try:
+            self.icon_box = until("no icon is in the panel", self.find_icon, 60)
+        except Failure as failure:
+            known = run("sh", "-c", ITEMS).strip() or "nothing, there is none"
+            raise Failure(f"{failure}; the watcher knows {known}") from None
         self.settled()
         self.icon_box = until("the icon is gone again", self.find_icon)
         # A highlight or a tooltip of the host must not count as a menu.
@@ -340,23 +344,29 @@ class Session:
     def check_raise(self):
         if not self.log_shown():
             raise NotApplicable("no log")
-        # Where the log window isn't.
-        width, height = self.screen().size
-        for place in ((40, height / 2), (width - 40, height / 2), (width / 2, height - 90), (width / 2, 90)):
-            if self.screen().getpixel(tuple(map(int, place))) == OTHER_WINDOW:
-                self.click(place)
-                break
-        else:
+        screen = self.screen()
+        width, height = screen.size
+        # Where the log window isn't, or else the other one's tab.
+        places = [(40, height // 2), (width - 40, height // 2), (width // 2, height - 90), (width // 2, 90)]
+        place = next((place for place in places if screen.getpixel(place) == OTHER_WINDOW), None)
+        if not (place := place or self.panel.other_tab):
             raise NotApplicable("the log covers all")
-        self.press("a")
-        try:
-            until("", lambda: not self.log_shown(), 3)
-        except Failure:
-            raise NotApplicable("the other window can't be put in front") from None
+        self.click(place)
+        until("the other window doesn't come to the front", lambda: not self.log_shown())
         self.bare = self.settled()
         self.choose("log")
         until("the log stays behind", self.log_shown)
         self.keep("raised")
+
+    def end_other(self):
+        """Ends the other window and the log."""
+        self.other.terminate()
+        self.other.wait()
+        if place := words(self.settled()).get("launched"):
+            self.click(place)
+            self.press("Escape")
+            until("Escape doesn't close the log", lambda: not self.log_shown())
+        self.bare = self.settled()
 
     def check_quit(self):
         self.choose("quit")
@@ -379,6 +389,8 @@ class Session:
                     raise NotApplicable("no icon")
                 if name == "place" and results["open"][0] != "pass":
                     raise NotApplicable("nothing opens")
+                if name == "quit" and hasattr(self, "other"):
+                    self.end_other()
                 if name in ("elsewhere", "second", "menu", "log", "quit"):
                     self.close()
                 getattr(self, f"check_{name}")()
@@ -388,12 +400,6 @@ class Session:
             except Failure as failure:
                 results[name] = ["FAIL", str(failure)]
                 self.keep(f"{name}-failed")
-            if name == "raise" and hasattr(self, "other"):
-                self.other.terminate()
-                self.other.wait()
-                self.press("Escape")
-                until("", lambda: not self.log_shown())
-                self.bare = self.settled()
             print(f"  {name:10} {time.monotonic() - started:5.1f} s  {' '.join(results[name])}", flush=True)
         return results
 
