@@ -105,18 +105,18 @@ LayerPlace layerPlace(QPoint panelsWord, QSize size, QRect screen) {
     const auto top = panelsWord.y() - screen.top();
     const auto right = screen.right() - panelsWord.x();
     const auto bottom = screen.bottom() - panelsWord.y();
-    const auto nearest = std::min({left, top, right, bottom});
-    if (panelsWord.isNull() || nearest < 0 || nearest > reach) {
+    if (panelsWord.isNull() || !screen.contains(panelsWord) || std::min({left, top, right, bottom}) > reach) {
         return {Qt::TopEdge | Qt::RightEdge, {0, gap, gap, 0}};
     }
-    if (nearest == top || nearest == bottom) {
+    // In a corner either edge is as good, for the compositor keeps the window off the panel.
+    if (std::min(top, bottom) <= reach) {
         const auto offset = within(left - size.width() / 2, gap, screen.width() - size.width() - gap);
-        return nearest == top ? LayerPlace{Qt::TopEdge | Qt::LeftEdge, {offset, gap, 0, 0}}
-                              : LayerPlace{Qt::BottomEdge | Qt::LeftEdge, {offset, 0, 0, gap}};
+        return top < bottom ? LayerPlace{Qt::TopEdge | Qt::LeftEdge, {offset, gap, 0, 0}}
+                            : LayerPlace{Qt::BottomEdge | Qt::LeftEdge, {offset, 0, 0, gap}};
     }
     const auto offset = within(top - size.height() / 2, gap, screen.height() - size.height() - gap);
-    return nearest == left ? LayerPlace{Qt::LeftEdge | Qt::TopEdge, {gap, offset, 0, 0}}
-                           : LayerPlace{Qt::RightEdge | Qt::TopEdge, {0, offset, gap, 0}};
+    return left < right ? LayerPlace{Qt::LeftEdge | Qt::TopEdge, {gap, offset, 0, 0}}
+                        : LayerPlace{Qt::RightEdge | Qt::TopEdge, {0, offset, gap, 0}};
 }
 
 } // namespace quorvale::platform::desktop
