@@ -4,28 +4,48 @@
 #include "ui/menu/ProtectedState.hpp"
 #include "ui/menu/SystemColors.hpp"
 
+#include <QIconEngine>
 #include <QPainter>
 #include <QPixmap>
 
+#include <utility>
+
 namespace quorvale::ui::menu {
 
-QIcon protectedSymbol(const ProtectedLook& look) {
-    const platform::desktop::SymbolImage symbol(look.symbol);
-    QIcon icon;
-    // Those that menus have at the usual scales.
-    for (const int size : {16, 22, 24, 32, 48}) {
-        QPixmap pixmap(size, size);
+namespace {
+
+/// Drawn when it is asked for: most sessions never see it.
+class Engine final : public QIconEngine {
+public:
+    explicit Engine(ProtectedLook look) : look_(std::move(look)) {}
+
+    void paint(QPainter* painter, const QRect& rect, QIcon::Mode /*mode*/, QIcon::State /*state*/) override {
+        painter->setRenderHint(QPainter::Antialiasing);
+        const QRectF box(rect);
+        painter->fillPath(common::continuousRoundedRect(box, box.width() / 4), look_.boxColor);
+        const auto margin = box.width() / 8;
+        platform::desktop::SymbolImage(look_.symbol)
+            .paint(*painter, box.adjusted(margin, margin, -margin, -margin), SystemColors::white);
+    }
+
+    QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
+        QPixmap pixmap(size);
         pixmap.fill(Qt::transparent);
         QPainter painter(&pixmap);
-        painter.setRenderHint(QPainter::Antialiasing);
-        const QRectF box(pixmap.rect());
-        painter.fillPath(common::continuousRoundedRect(box, box.width() / 4), look.boxColor);
-        const auto margin = box.width() / 8;
-        symbol.paint(painter, box.adjusted(margin, margin, -margin, -margin), SystemColors::white);
-        painter.end();
-        icon.addPixmap(pixmap);
+        paint(&painter, pixmap.rect(), mode, state);
+        return pixmap;
     }
-    return icon;
+
+    [[nodiscard]] QIconEngine* clone() const override { return new Engine(*this); }
+
+private:
+    ProtectedLook look_;
+};
+
+} // namespace
+
+QIcon protectedSymbol(const ProtectedLook& look) {
+    return QIcon(new Engine(look));
 }
 
 } // namespace quorvale::ui::menu
