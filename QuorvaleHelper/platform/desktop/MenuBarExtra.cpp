@@ -46,8 +46,10 @@ MenuBarExtra::MenuBarExtra(const QDBusConnection& bus, StatusNotifierItem::Descr
       window_(presentation()),
       lastAnchor_(QGuiApplication::primaryScreen()->availableGeometry().topRight()) {
     window_.setWindowTitle(title_);
-    // The pointer is on the menu then, and so at the icon.
-    connect(status_, &QAction::triggered, this, [this] { open(QCursor::pos()); });
+    connect(status_, &QAction::triggered, this, [this] {
+        // The pointer is on the menu then, and so at the icon. On Wayland it isn't known.
+        open(windowSystem() == WindowSystem::Wayland ? lastAnchor_ : QCursor::pos());
+    });
     connect(&icon_, &StatusIcon::failed, this, &MenuBarExtra::failed);
     connect(&icon_, &StatusIcon::activated, this, [this](QPoint anchor, const QString& activationToken) {
         const ActivationToken token(activationToken);

@@ -50,6 +50,7 @@ ColorSchemeFollower::ColorSchemeFollower(QDBusConnection bus, QObject* parent) :
     // With a sender's name, QtDBus would wait for the bus to tell its owner; settingChanged() looks at the sender.
     bus_.connect({}, portalPath, portalInterface, QStringLiteral("SettingChanged"), this,
                  SLOT(settingChanged(QDBusMessage)));
+    askForOwner();
     ask();
     if (windowSystem() == WindowSystem::X11) {
         settings_ = std::make_unique<XSettings>();
@@ -59,6 +60,22 @@ ColorSchemeFollower::ColorSchemeFollower(QDBusConnection bus, QObject* parent) :
 }
 
 ColorSchemeFollower::~ColorSchemeFollower() = default;
+
+void ColorSchemeFollower::askForOwner() {
+    auto message =
+        QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+                                       QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetNameOwner"));
+    message << portal;
+    auto* const watcher = new QDBusPendingCallWatcher(bus_.asyncCall(message, noTimeLimit), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher* done) {
+        done->deleteLater();
+        const QDBusPendingReply<QString> reply = *done;
+        // A change that was told meanwhile is at least as new as this answer.
+        if (owner_.isEmpty() && !reply.isError()) {
+            owner_ = reply.value();
+        }
+    });
+}
 
 void ColorSchemeFollower::ask() {
     auto message = QDBusMessage::createMethodCall(portal, portalPath, portalInterface, QStringLiteral("Read"));
@@ -70,10 +87,6 @@ void ColorSchemeFollower::ask() {
                 // A later question's answer, and a change told meanwhile, are newer.
                 if (question != question_) {
                     return;
-                }
-                // Whoever answers has the name, or is the bus, which says that nobody has.
-                if (owner_.isEmpty()) {
-                    owner_ = done->reply().service();
                 }
                 const QDBusPendingReply<QDBusVariant> reply = *done;
                 // No portal and no preference are the same.
@@ -118,8 +131,6 @@ void ColorSchemeFollower::update() {
         }
     } else if (darkened_) {
         darkened_ = false;
-        // Newer versions of Qt choose the palette beneath by the one that has been in use.
-        QGuiApplication::setPalette(QPalette(Qt::lightGray));
         QGuiApplication::setPalette({});
     }
 }

@@ -29,6 +29,7 @@ private Q_SLOTS:
     void settingChanged(const QDBusMessage& message);
 
 private:
+    void askForOwner();
     void ask();
     void take(const QVariant& scheme);
     void update();

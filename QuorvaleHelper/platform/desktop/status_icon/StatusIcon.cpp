@@ -5,7 +5,6 @@
 
 #include <QCursor>
 #include <QGuiApplication>
-#include <QScreen>
 #include <QSystemTrayIcon>
 #include <QTimerEvent>
 
@@ -17,9 +16,13 @@ namespace quorvale::platform::desktop {
 namespace {
 
 QPoint anchorFor(QPoint panelsWord) {
+    if (windowSystem() == WindowSystem::Wayland) {
+        // Nobody else knows where the pointer is.
+        return panelsWord;
+    }
     std::vector<ScreenGeometry> screens;
     for (const auto* screen : QGuiApplication::screens()) {
-        screens.push_back({screen->geometry(), screen->availableGeometry(), screen->devicePixelRatio()});
+        screens.push_back(ScreenGeometry::of(*screen));
     }
     return anchorPoint(panelsWord, panelActivation(), QCursor::pos(), screens);
 }
@@ -32,7 +35,9 @@ StatusIcon::StatusIcon(const QDBusConnection& bus, StatusNotifierItem::Descripti
     connect(&item_, &StatusNotifierItem::contextMenuRequested, this, [this](QPoint position) {
         // A Wayland client can't place a menu that no window of its own is under; panels there draw it themselves.
         if (windowSystem() == WindowSystem::X11) {
-            menu_.popup(anchorFor(position));
+            // Not over the icon, where the next click would choose an item.
+            const auto anchor = anchorFor(position);
+            menu_.popup(panelTopLeft(anchor, menu_.sizeHint(), ScreenGeometry::at(anchor)));
             // Qt asks but once, and the panel may still hold the button then.
             menuGrab_.take();
         }

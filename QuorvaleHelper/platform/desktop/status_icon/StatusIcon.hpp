@@ -41,8 +41,8 @@ public:
     void setAnnouncements(StatusNotifierItem::Announcements announcements) { item_.setAnnouncements(announcements); }
 
 Q_SIGNALS:
-    /// The user wants the window of the icon, which is at `anchor`: logical pixels of the whole desktop; on Wayland of
-    /// no use.
+    /// The user wants the window of the icon, which is at `anchor`: logical pixels of the whole desktop; on Wayland
+    /// what the panel says.
     void activated(QPoint anchor, const QString& activationToken);
     /// A sentence for the log.
     void failed(const QString& what);

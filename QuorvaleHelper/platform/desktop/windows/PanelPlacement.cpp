@@ -1,5 +1,8 @@
 #include "platform/desktop/windows/PanelPlacement.hpp"
 
+#include <QGuiApplication>
+#include <QScreen>
+
 #include <algorithm>
 #include <array>
 #include <optional>
@@ -27,6 +30,15 @@ int within(int value, int low, int high) {
 }
 
 } // namespace
+
+ScreenGeometry ScreenGeometry::of(const QScreen& screen) {
+    return {screen.geometry(), screen.availableGeometry(), screen.devicePixelRatio()};
+}
+
+ScreenGeometry ScreenGeometry::at(QPoint place) {
+    const auto* const screen = QGuiApplication::screenAt(place);
+    return of(screen ? *screen : *QGuiApplication::primaryScreen());
+}
 
 QPoint anchorPoint(QPoint panelsWord, PanelActivation activation, QPoint pointer,
                    std::span<const ScreenGeometry> screens) {
@@ -84,6 +96,27 @@ QPoint panelTopLeft(QPoint anchor, QSize size, const ScreenGeometry& screen) {
     const auto below = anchor.y() + panelHeight;
     const auto inUpperHalf = anchor.y() < screen.geometry.center().y();
     return {centredX, within(inUpperHalf ? below : above, top, bottom)};
+}
+
+LayerPlace layerPlace(QPoint panelsWord, QSize size, QRect screen) {
+    /// The thickest panel.
+    constexpr int reach = 96;
+    const auto left = panelsWord.x() - screen.left();
+    const auto top = panelsWord.y() - screen.top();
+    const auto right = screen.right() - panelsWord.x();
+    const auto bottom = screen.bottom() - panelsWord.y();
+    const auto nearest = std::min({left, top, right, bottom});
+    if (panelsWord.isNull() || nearest < 0 || nearest > reach) {
+        return {Qt::TopEdge | Qt::RightEdge, {0, gap, gap, 0}};
+    }
+    if (nearest == top || nearest == bottom) {
+        const auto offset = within(left - size.width() / 2, gap, screen.width() - size.width() - gap);
+        return nearest == top ? LayerPlace{Qt::TopEdge | Qt::LeftEdge, {offset, gap, 0, 0}}
+                              : LayerPlace{Qt::BottomEdge | Qt::LeftEdge, {offset, 0, 0, gap}};
+    }
+    const auto offset = within(top - size.height() / 2, gap, screen.height() - size.height() - gap);
+    return nearest == left ? LayerPlace{Qt::LeftEdge | Qt::TopEdge, {gap, offset, 0, 0}}
+                           : LayerPlace{Qt::RightEdge | Qt::TopEdge, {0, offset, gap, 0}};
 }
 
 } // namespace quorvale::platform::desktop

@@ -2,11 +2,14 @@
 
 #include "platform/desktop/windows/PanelActivation.hpp"
 
+#include <QMargins>
 #include <QPoint>
 #include <QRect>
 #include <QSize>
 
 #include <span>
+
+class QScreen;
 
 namespace quorvale::platform::desktop {
 
@@ -16,6 +19,11 @@ struct ScreenGeometry {
     QRect geometry;
     QRect available;
     qreal devicePixelRatio = 1;
+
+    static ScreenGeometry of(const QScreen& screen);
+
+    /// The screen at `place`, or else the primary one. GUI thread.
+    static ScreenGeometry at(QPoint place);
 };
 
 /// Where the icon is that the user has activated, in logical pixels. The pointer, at `pointer` in logical pixels,
@@ -29,5 +37,17 @@ QPoint anchorPoint(QPoint panelsWord, PanelActivation activation, QPoint pointer
 /// The top left corner of a window of `size` that belongs to an icon at `anchor`: beside the panel that the icon is
 /// in, centred at the icon as far as the screen allows. Logical pixels.
 QPoint panelTopLeft(QPoint anchor, QSize size, const ScreenGeometry& screen);
+
+/// Where a window stands on a Wayland desktop: at two edges of the screen, in their corner, or off it by the margins.
+struct LayerPlace {
+    Qt::Edges edges;
+    QMargins margins;
+};
+
+/// The place of a window of `size` that belongs to an icon at `panelsWord`, in logical pixels of `screen`: at the edge
+/// that is next to the icon, and as near to it as the screen allows. The panels there count from a corner of their own,
+/// if they say anything but (0, 0): a word that isn't beside an edge gives the upper right corner, where most of them
+/// have their icons.
+LayerPlace layerPlace(QPoint panelsWord, QSize size, QRect screen);
 
 } // namespace quorvale::platform::desktop

@@ -1,14 +1,14 @@
 #include "platform/desktop/windows/PanelWindow.hpp"
 
+#include "platform/desktop/windows/LayerShell.hpp"
 #include "platform/desktop/windows/PanelPlacement.hpp"
 #include "platform/desktop/windows/describeWindows.hpp"
 
-#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QPainterPath>
-#include <QScreen>
 #include <QVBoxLayout>
+#include <QWindow>
 
 namespace quorvale::platform::desktop {
 
@@ -134,13 +134,16 @@ void PanelWindow::keyPressEvent(QKeyEvent* event) {
 }
 
 void PanelWindow::place() {
-    if (presentation_ != Presentation::AnchoredPopup) {
+    const auto screen = ScreenGeometry::at(anchor_);
+    if (presentation_ == Presentation::PlacedByCompositor) {
+        // Where it stands is settled when it is shown.
+        if (isHidden()) {
+            winId();
+            standOnLayer(*windowHandle(), layerPlace(anchor_, sizeHint(), screen.geometry));
+        }
         return;
     }
-    const auto* const found = QGuiApplication::screenAt(anchor_);
-    const auto* const screen = found ? found : QGuiApplication::primaryScreen();
-    move(panelTopLeft(anchor_, sizeHint(),
-                      {screen->geometry(), screen->availableGeometry(), screen->devicePixelRatio()}));
+    move(panelTopLeft(anchor_, sizeHint(), screen));
 }
 
 } // namespace quorvale::platform::desktop

@@ -1,16 +1,13 @@
 #include "platform/desktop/windows/bringToFront.hpp"
 
 #include "platform/desktop/windows/ActivationToken.hpp"
+#include "platform/desktop/windows/X11.hpp"
 
-#include <QGuiApplication>
 #include <QWidget>
 
-#include <array>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <memory>
-#include <string_view>
 #include <xcb/xcb.h>
 
 namespace quorvale::platform::desktop {
@@ -20,29 +17,9 @@ namespace {
 constexpr std::uint32_t longestDelay = 60'000; // milliseconds
 constexpr std::uint32_t fromApplication = 1;
 
-struct Free {
-    void operator()(void* memory) const { std::free(memory); }
-};
-
 struct Disconnect {
     void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
 };
-
-xcb_connection_t* x11Connection() {
-    const auto* const x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    // Platforms without an X server may have the interface, too.
-    return x11 ? x11->connection() : nullptr;
-}
-
-xcb_atom_t atom(xcb_connection_t* connection, std::string_view name) {
-    const auto cookie = xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(name.size()), name.data());
-    const std::unique_ptr<xcb_intern_atom_reply_t, Free> reply(xcb_intern_atom_reply(connection, cookie, nullptr));
-    return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
-}
-
-xcb_window_t rootOf(xcb_connection_t* connection) {
-    return xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
-}
 
 /// The X server tells its time with events only, and all that come on the toolkit's connection go to the toolkit.
 /// 0 if it can't be asked.
@@ -53,12 +30,12 @@ std::uint32_t serverTime() {
     }
     const auto window = xcb_generate_id(connection.get());
     const std::uint32_t wanted = XCB_EVENT_MASK_PROPERTY_CHANGE;
-    xcb_create_window(connection.get(), XCB_COPY_FROM_PARENT, window, rootOf(connection.get()), 0, 0, 1, 1, 0,
+    xcb_create_window(connection.get(), XCB_COPY_FROM_PARENT, window, x11::root(), 0, 0, 1, 1, 0,
                       XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK, &wanted);
     xcb_change_property(connection.get(), XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_NAME, XCB_ATOM_STRING, 8, 0,
                         nullptr);
     xcb_flush(connection.get());
-    while (const std::unique_ptr<xcb_generic_event_t, Free> event{xcb_wait_for_event(connection.get())}) {
+    while (const x11::Reply<xcb_generic_event_t> event{xcb_wait_for_event(connection.get())}) {
         if (event->response_type == XCB_PROPERTY_NOTIFY) {
             xcb_property_notify_event_t change;
             std::memcpy(&change, event.get(), sizeof change);
@@ -76,7 +53,7 @@ std::uint32_t userTime() {
 }
 
 void sendToWindowManager(xcb_connection_t* connection, const xcb_client_message_event_t& message, std::uint32_t mask) {
-    xcb_send_event(connection, 0, rootOf(connection), mask, reinterpret_cast<const char*>(&message));
+    xcb_send_event(connection, 0, x11::root(), mask, reinterpret_cast<const char*>(&message));
 }
 
 void activate(xcb_connection_t* connection, xcb_window_t window) {
@@ -84,7 +61,7 @@ void activate(xcb_connection_t* connection, xcb_window_t window) {
     message.response_type = XCB_CLIENT_MESSAGE;
     message.format = 32;
     message.window = window;
-    message.type = atom(connection, "_NET_ACTIVE_WINDOW");
+    message.type = x11::atom("_NET_ACTIVE_WINDOW");
     message.data.data32[0] = fromApplication;
     message.data.data32[1] = userTime();
     sendToWindowManager(connection, message, XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT);
@@ -98,21 +75,21 @@ void completeStartup(xcb_connection_t* connection, xcb_window_t window, const QB
     message.response_type = XCB_CLIENT_MESSAGE;
     message.format = 8;
     message.window = window;
-    message.type = atom(connection, "_NET_STARTUP_INFO_BEGIN");
+    message.type = x11::atom("_NET_STARTUP_INFO_BEGIN");
     constexpr qsizetype most = sizeof message.data.data8;
     for (qsizetype sent = 0; sent < text.size(); sent += most) {
         const auto part = text.mid(sent, most);
         message.data = {};
         std::memcpy(message.data.data8, part.data(), static_cast<std::size_t>(part.size()));
         sendToWindowManager(connection, message, XCB_EVENT_MASK_PROPERTY_CHANGE);
-        message.type = atom(connection, "_NET_STARTUP_INFO");
+        message.type = x11::atom("_NET_STARTUP_INFO");
     }
 }
 
 } // namespace
 
 void bringToFront(QWidget& window) {
-    auto* const connection = x11Connection();
+    auto* const connection = x11::connection();
     if (!connection) {
         window.show();
         window.raise();
@@ -122,8 +99,8 @@ void bringToFront(QWidget& window) {
     const auto id = static_cast<xcb_window_t>(window.winId());
     const auto startupId = ActivationToken::startupId();
     if (!startupId.isEmpty()) {
-        xcb_change_property(connection, XCB_PROP_MODE_REPLACE, id, atom(connection, "_NET_STARTUP_ID"),
-                            atom(connection, "UTF8_STRING"), 8, static_cast<std::uint32_t>(startupId.size()),
+        xcb_change_property(connection, XCB_PROP_MODE_REPLACE, id, x11::atom("_NET_STARTUP_ID"),
+                            x11::atom("UTF8_STRING"), 8, static_cast<std::uint32_t>(startupId.size()),
                             startupId.data());
     }
     window.show();

@@ -68,4 +68,21 @@ TEST(PanelPlacementTest, FindsTheIconFromThePointerOrFromWhatThePanelSays) {
     EXPECT_EQ(anchorPoint({5, 5}, Unknown, elsewhere, {}), elsewhere);
 }
 
+TEST(PanelPlacementTest, StandsAtTheEdgeThatIsNextToTheIcon) {
+    constexpr QRect screen(0, 0, 1280, 800);
+    constexpr QSize size(202, 105);
+    const auto expect = [&](QPoint word, Qt::Edges edges, QMargins margins) {
+        const auto place = layerPlace(word, size, screen);
+        EXPECT_EQ(place.edges, edges) << word.x() << ' ' << word.y();
+        EXPECT_EQ(place.margins, margins) << word.x() << ' ' << word.y();
+    };
+    expect({600, 10}, Qt::TopEdge | Qt::LeftEdge, {499, 4, 0, 0});
+    expect({1275, 790}, Qt::BottomEdge | Qt::LeftEdge, {1074, 0, 0, 4});
+    expect({10, 400}, Qt::LeftEdge | Qt::TopEdge, {4, 348, 0, 0});
+    expect({1270, 400}, Qt::RightEdge | Qt::TopEdge, {0, 348, 4, 0});
+    for (const QPoint useless : {QPoint(0, 0), QPoint(600, 400), QPoint(-40, 9000)}) {
+        expect(useless, Qt::TopEdge | Qt::RightEdge, {0, 4, 4, 0});
+    }
+}
+
 } // namespace quorvale::platform::desktop
