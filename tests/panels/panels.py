@@ -23,12 +23,14 @@ class Panel:
     # Files under the home folder.
     files: dict[str, str] = field(default_factory=dict)
     environment: dict[str, str] = field(default_factory=dict)
+    # The services that are not to be started when someone asks for them.
+    without_services: str = "portal|Tracker|a11y"
     # Whether the window is at the icon's edge of the screen rather than at the icon.
     at_edge: bool = False
     # Where the tab of a covered window is, if windows have tabs.
     other_tab: tuple[int, int] | None = None
+    # Checks that make no sense here, with the reason.
     not_applicable: dict[str, str] = field(default_factory=dict)
-    without_services: str = "portal|Tracker|a11y"
 
 
 WINDOW_MANAGER = "xprop -root _NET_SUPPORTING_WM_CHECK | grep -q 0x"
@@ -43,7 +45,7 @@ WATCHER = call("org.kde.StatusNotifierWatcher", "/StatusNotifierWatcher", "org.f
                "org.kde.StatusNotifierWatcher {}")
 HOST = WATCHER.format("IsStatusNotifierHostRegistered") + " | grep -q true"
 ITEMS = WATCHER.format("RegisteredStatusNotifierItems")
-
+WATCHER_MODULE = "statusnotifierwatcher | grep -q true"
 OVERVIEW = call("org.gnome.Shell", "/org/gnome/Shell", "org.freedesktop.DBus.Properties.{}",
                 "org.gnome.Shell OverviewActive {}")
 
@@ -78,6 +80,32 @@ picture-uri=''
         },
         environment={"XDG_CURRENT_DESKTOP": "GNOME", "XDG_SESSION_ID": "c1", "GSETTINGS_BACKEND": "keyfile"} | environment,
         not_applicable={"place": "the host opens its menu"},
+    )
+
+
+def sway(release, **not_applicable):
+    """sway with waybar in its default look; windows that cover one another have tabs."""
+    return Panel(
+        [
+            (
+                "WLR_BACKENDS=x11 WLR_RENDERER=pixman WLR_NO_HARDWARE_CURSORS=1 WAYLAND_DISPLAY= sway",
+                "test -S $XDG_RUNTIME_DIR/wayland-1",
+            ),
+            ("waybar", HOST),
+        ],
+        release=release,
+        other_tab=(100, 28),
+        not_applicable=not_applicable,
+        at_edge=True,
+        environment={"XDG_CURRENT_DESKTOP": "sway", "XDG_SESSION_TYPE": "wayland", "WAYLAND_DISPLAY": "wayland-1"},
+        files={
+            ".config/sway/config": """output X11-1 resolution 1280x800 background #404858 solid_color
+workspace_layout tabbed
+xwayland disable
+""",
+            ".config/waybar/config": """{ "layer": "top", "modules-right": ["tray", "clock"] }
+""",
+        },
     )
 
 
@@ -118,7 +146,7 @@ type=worldclock
             ("kwin_x11 --no-kactivities", WINDOW_MANAGER),
             (
                 "kded5",
-                call("org.kde.kded5", "/kded", "org.kde.kded5.loadModule", "statusnotifierwatcher") + " | grep -q true",
+                call("org.kde.kded5", "/kded", "org.kde.kded5.loadModule", WATCHER_MODULE),
             ),
             ("plasmashell --no-respawn", HOST),
         ],
@@ -136,33 +164,15 @@ type=worldclock
     "gnome-wayland": gnome(NESTED_GNOME, XDG_SESSION_TYPE="wayland", WAYLAND_DISPLAY="wayland-9"),
     "gnome48-x11": gnome("gnome-shell --x11", release=13),
     "gnome48-wayland": gnome(NESTED_GNOME, release=13, XDG_SESSION_TYPE="wayland", WAYLAND_DISPLAY="wayland-9"),
-    "sway": Panel(
-        [
-            (
-                "WLR_BACKENDS=x11 WLR_RENDERER=pixman WLR_NO_HARDWARE_CURSORS=1 WAYLAND_DISPLAY= sway",
-                "test -S $XDG_RUNTIME_DIR/wayland-1",
-            ),
-            ("waybar", HOST),
-        ],
-        other_tab=(100, 28),
-        at_edge=True,
-        environment={"XDG_CURRENT_DESKTOP": "sway", "XDG_SESSION_TYPE": "wayland", "WAYLAND_DISPLAY": "wayland-1"},
-        files={
-            ".config/sway/config": """output X11-1 resolution 1280x800 background #404858 solid_color
-workspace_layout tabbed
-xwayland disable
-""",
-            ".config/waybar/config": """{ "layer": "top", "modules-right": ["tray", "clock"] }
-""",
-        },
-    ),
+    "sway": sway(12, place="Debian 12 has no layer-shell for Qt 6"),
+    "sway-1.10": sway(13),
     "plasma6-wayland": Panel(
         [
             (
                 "kwin_wayland --x11-display $DISPLAY --width 1280 --height 800 --socket wayland-9 --no-lockscreen",
                 "test -S $XDG_RUNTIME_DIR/wayland-9",
             ),
-            ("kded6", call("org.kde.kded6", "/kded", "org.kde.kded6.loadModule", "statusnotifierwatcher") + " | grep -q true"),
+            ("kded6", call("org.kde.kded6", "/kded", "org.kde.kded6.loadModule", WATCHER_MODULE)),
             ("plasmashell --no-respawn", HOST),
         ],
         release=13,

@@ -19,7 +19,7 @@ from pathlib import Path
 
 from PIL import Image, ImageChops, ImageGrab, ImageOps, ImageStat
 
-from panels import ITEMS, PANELS, Opens
+from panels import ITEMS, PANELS, Opens, call
 
 GREEN, RED = (0x1D, 0x87, 0x3B), (0xD7, 0x2C, 0x26)
 OTHER_WINDOW = (0xC0, 0x20, 0xC0)
@@ -136,6 +136,9 @@ class Session:
         return process
 
     def start(self):
+        # What the session looks like is the panel's own affair.
+        for name in ("QT_QPA_PLATFORMTHEME", "KDE_SESSION_VERSION", "GTK_THEME"):
+            del os.environ[name]
         os.environ.update(self.panel.environment)
         for name, text in self.panel.files.items():
             path = self.home / name
@@ -146,12 +149,16 @@ class Session:
             if not re.search(self.panel.without_services, file.name):
                 (self.logs / "services" / file.name).unlink(missing_ok=True)
                 (self.logs / "services" / file.name).symlink_to(file)
-        run("gdbus", "call", "--session", "-d", "org.freedesktop.DBus", "-o", "/", "-m", "org.freedesktop.DBus.ReloadConfig")
+        run("sh", "-c", call("org.freedesktop.DBus", "/", "org.freedesktop.DBus.ReloadConfig"))
         self.agent = self.spawn("agent", [self.agent_command, "--state", '{"active":false}'], stdin=subprocess.PIPE)
         until("no agent", lambda: self.logged("agent", "ready"))
         for number, (command, ready) in enumerate(self.panel.programs):
             self.spawn(f"panel-{number}", ["sh", "-c", command])
-            until(f"{command}: not ready", lambda: subprocess.run(["sh", "-c", ready], capture_output=True).returncode == 0, 60)
+            until(
+                f"{command}: not ready",
+                lambda ready=ready: subprocess.run(["sh", "-c", ready], capture_output=True).returncode == 0,
+                60,
+            )
         self.helper = self.spawn("helper", [self.helper_command])
         until("the helper doesn't start", lambda: self.logged("helper", "Quorvale Helper launched"), 30)
         run("gdbus", "emit", "--session", "--object-path", "/com/quorvale/Updater", "--signal",
@@ -239,7 +246,12 @@ class Session:
     def close(self):
         """Whatever is open goes, however."""
         run("xdotool", "mousemove", *map(str, BARE_DESKTOP))
-        for action in (lambda: None, lambda: self.press("Escape"), lambda: self.click(BARE_DESKTOP), lambda: self.click(self.icon)):
+        for action in (
+            lambda: None,
+            lambda: self.press("Escape"),
+            lambda: self.click(BARE_DESKTOP),
+            lambda: self.click(self.icon),
+        ):
             action()
             try:
                 until("", lambda: not self.new_words(), 3)
