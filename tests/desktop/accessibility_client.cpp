@@ -17,7 +17,7 @@ struct Unreference {
 using Accessible = std::unique_ptr<AtspiAccessible, Unreference>;
 
 void print(const std::string& line) {
-    std::cout << line << std::endl;
+    std::cout << line << '\n' << std::flush;
 }
 
 std::string text(gchar* given) {
