@@ -63,8 +63,9 @@ protected:
 
 TEST_F(AccessibilityTest, ReadsTheOpenWindowHearsEachStatusAndPressesItsButtons) {
     using testing::Contains;
-    const auto open = [this] {
-        session.click(session.icon());
+    const auto icon = session.icon();
+    const auto open = [&] {
+        session.click(icon);
         EXPECT_TRUE(reader.waitForLine("window:activate 0 frame 'Quorvale Helper'"));
     };
     open();
@@ -86,6 +87,10 @@ TEST_F(AccessibilityTest, ReadsTheOpenWindowHearsEachStatusAndPressesItsButtons)
 
     open();
     EXPECT_TRUE(reader.waitForLine("object:state-changed:focused 1 label 'Protected'")) << "where it begins";
+    for (int times = 0; times < 2; ++times) {
+        session.activate("Activate", icon);
+    }
+    EXPECT_TRUE(reader.waitForLine("object:state-changed:focused 1 label 'Protected'")) << "closed and opened at once";
     press("push button 'Quit'");
     EXPECT_EQ(helper.process().waitForExit(), (Process::Exit{.code = EXIT_SUCCESS}));
 }

@@ -80,6 +80,19 @@ QPoint DesktopSession::icon() const {
     return {x, y};
 }
 
+std::string DesktopSession::item() const {
+    const auto item = run({"gdbus", "call", "--session", "--dest", "org.kde.StatusNotifierWatcher", "--object-path",
+                           "/StatusNotifierWatcher", "--method", "org.freedesktop.DBus.Properties.Get",
+                           "org.kde.StatusNotifierWatcher", "RegisteredStatusNotifierItems"});
+    const auto from = item.find('\'') + 1;
+    return item.substr(from, item.find('/') - from);
+}
+
+void DesktopSession::activate(const std::string& method, QPoint place) const {
+    run({"gdbus", "call", "--session", "--dest", item(), "--object-path", "/StatusNotifierItem", "--method",
+         "org.kde.StatusNotifierItem." + method, "--", std::to_string(place.x()), std::to_string(place.y())});
+}
+
 void DesktopSession::click(QPoint place, Button button) const {
     run({"xdotool", "mousemove", std::to_string(place.x()), std::to_string(place.y()), "click",
          std::to_string(static_cast<int>(button))});

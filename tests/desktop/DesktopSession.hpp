@@ -34,6 +34,10 @@ public:
 
     /// Waits for the icon in the panel: its centre, in pixels of the screen.
     [[nodiscard]] QPoint icon() const;
+    /// The bus name of the icon's status notifier item.
+    [[nodiscard]] std::string item() const;
+    /// Calls one of the item's methods that take a place, as panels do.
+    void activate(const std::string& method, QPoint place) const;
     enum class Button { left = 1, right = 3 };
     void click(QPoint place, Button button = Button::left) const;
     void press(const std::string& key) const;

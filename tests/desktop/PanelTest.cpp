@@ -48,16 +48,6 @@ QPoint bareDesktop() {
     return {200, 500};
 }
 
-/// The bus name of the item in the panel.
-std::string itemService(const DesktopSession& session) {
-    const auto item =
-        session.run({"gdbus", "call", "--session", "--dest", "org.kde.StatusNotifierWatcher", "--object-path",
-                     "/StatusNotifierWatcher", "--method", "org.freedesktop.DBus.Properties.Get",
-                     "org.kde.StatusNotifierWatcher", "RegisteredStatusNotifierItems"});
-    const auto from = item.find('\'') + 1;
-    return item.substr(from, item.find('/') - from);
-}
-
 } // namespace
 
 TEST(PanelTest, ShowsTheIconWheneverAPanelStarts) {
@@ -101,7 +91,7 @@ TEST(PanelTest, ShowsEachStatusInTheOpenWindow) {
     agent.send("updateProtectionStatus false");
     EXPECT_EQ(session.waitForArea(SystemColors::red), red);
 
-    const auto service = itemService(session);
+    const auto service = session.item();
     const auto toolTip = [&] {
         return session.run({"gdbus", "call", "--session", "--dest", service, "--object-path", "/StatusNotifierItem",
                             "--method", "org.freedesktop.DBus.Properties.Get", "org.kde.StatusNotifierItem",
@@ -117,12 +107,6 @@ TEST(PanelTest, DismissesTheWindowAndTheMenuAsMenusAreDismissed) {
     const DesktopSession session;
     HelperProcess const helper(session.environment());
     const auto icon = session.icon();
-    const auto service = itemService(session);
-    const auto ask = [&](const char* method, QPoint place) {
-        session.run({"gdbus", "call", "--session", "--dest", service, "--object-path", "/StatusNotifierItem",
-                     "--method", std::string("org.kde.StatusNotifierItem.") + method, "--", std::to_string(place.x()),
-                     std::to_string(place.y())});
-    };
     const auto windows = [&] {
         return session.run({"sh", "-c", "xdotool search --onlyvisible --maxdepth 1 --class QuorvaleHelper || true"});
     };
@@ -133,7 +117,7 @@ TEST(PanelTest, DismissesTheWindowAndTheMenuAsMenusAreDismissed) {
             // As panels do that act when the button goes down, and hold the pointer until it goes up. One of them
             // counts from a corner of its own.
             session.run({"xdotool", "mousemove", std::to_string(icon.x()), std::to_string(icon.y()), "mousedown", "9"});
-            ask(method, {0, 25});
+            session.activate(method, {0, 25});
             EXPECT_TRUE(shows(true));
             session.run({"xdotool", "mouseup", "9"});
         };
@@ -141,7 +125,7 @@ TEST(PanelTest, DismissesTheWindowAndTheMenuAsMenusAreDismissed) {
     const std::vector<Step> openings{
         {"a click", [&] { session.click(icon); }},
         {"a button that is held", held("Activate")},
-        {"the menu", [&] { ask("ContextMenu", icon); }},
+        {"the menu", [&] { session.activate("ContextMenu", icon); }},
         {"the menu, a button that is held", held("ContextMenu")},
     };
     const std::vector<Step> dismissals{

@@ -2,8 +2,8 @@
 
 #include "platform/desktop/windows/X11.hpp"
 
+#include <QApplication>
 #include <QCursor>
-#include <QGuiApplication>
 #include <QMouseEvent>
 #include <QTimerEvent>
 #include <QWidget>
@@ -112,11 +112,26 @@ bool InputGrab::nativeEventFilter(const QByteArray& /*eventType*/, void* message
 }
 
 void InputGrab::tryToTake() {
-    hasKeyboard_ = hasKeyboard_ || window_.windowHandle()->setKeyboardGrabEnabled(true);
+    hasKeyboard_ = hasKeyboard_ || takeKeyboard();
     hasPointer_ = hasPointer_ || takePointer();
     if (hasKeyboard_ && hasPointer_) {
         listen(false);
     }
+}
+
+bool InputGrab::takeKeyboard() {
+    auto* const window = window_.windowHandle();
+    if (!window->setKeyboardGrabEnabled(true)) {
+        return false;
+    }
+    // To Qt a window that was hidden a moment ago is still the one in focus, which it doesn't tell the widget again.
+    if (QGuiApplication::focusWindow() == window && !window_.isActiveWindow()) {
+        QT_WARNING_PUSH
+        QT_WARNING_DISABLE_DEPRECATED // in favour of asking the server, which has nothing to tell either
+            QApplication::setActiveWindow(&window_);
+        QT_WARNING_POP
+    }
+    return true;
 }
 
 /// Qt takes any answer to its request for a success, so the question is asked here first, by a grab of the same kind

@@ -42,6 +42,7 @@ protected:
 private:
     bool nativeEventFilter(const QByteArray& eventType, void* message, qintptr* result) override;
     void tryToTake();
+    [[nodiscard]] bool takeKeyboard();
     [[nodiscard]] bool takePointer();
     void listen(bool isListening);
 
