@@ -21,6 +21,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <climits>
 #include <csignal>
 #include <cstdint>
@@ -152,6 +153,8 @@ QString objectPath(const QString& identifier) {
 }
 
 constexpr int largestKeptBlock = 128 << 10;
+/// Panels have drawn the icon by then.
+constexpr std::chrono::seconds settled{5};
 
 /// In which an instance that runs has answered, also from within its pause before it connects.
 constexpr int answerLimit = 2000; // milliseconds
@@ -224,6 +227,8 @@ public:
                 delegate->applicationDidFinishLaunching();
             }
         });
+        // What the start took and no longer needs: the process would keep it for as long as it lives.
+        QTimer::singleShot(settled, [] { malloc_trim(0); });
         door().leave(QApplication::exec());
     }
 

@@ -1,27 +1,20 @@
 #include "platform/desktop/appearance/XSettings.hpp"
 
-#include <QSocketNotifier>
+#include "platform/desktop/windows/X11.hpp"
 
-#include <algorithm>
+#include <QGuiApplication>
+
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
-#include <cstring>
 #include <utility>
-#include <xcb/xcb.h>
 
 namespace quorvale::platform::desktop {
 
 namespace {
 
+using x11::Reply;
+
 constexpr std::uint32_t largestProperty = 1 << 16; // units of four bytes
-
-struct Free {
-    void operator()(void* memory) const { std::free(memory); }
-};
-
-template <typename Reply>
-using Owned = std::unique_ptr<Reply, Free>;
 
 /// Reads what is left of a property from its front. What is missing reads as nothing, and says so at the end.
 class Reader {
@@ -102,146 +95,74 @@ std::optional<std::string> textSetting(std::string_view property, std::string_vi
     return std::nullopt;
 }
 
-class XSettings::Display {
-public:
-    Display() : connection_(xcb_connect(nullptr, &screen_)) {
-        if (!isOpen()) {
-            return;
-        }
-        auto roots = xcb_setup_roots_iterator(xcb_get_setup(connection_));
-        for (int number = 0; number < screen_ && roots.rem > 1; ++number) {
-            xcb_screen_next(&roots);
-        }
-        root_ = roots.data->root;
-        selection_ = atom("_XSETTINGS_S" + std::to_string(screen_));
-        settings_ = atom("_XSETTINGS_SETTINGS");
-        managerMessage_ = atom("MANAGER");
-        // A manager that starts says so here.
-        listen(root_, XCB_EVENT_MASK_STRUCTURE_NOTIFY);
-    }
-
-    ~Display() { xcb_disconnect(connection_); }
-
-    Display(const Display&) = delete;
-    Display& operator=(const Display&) = delete;
-
-    [[nodiscard]] bool isOpen() const { return xcb_connection_has_error(connection_) == 0; }
-
-    [[nodiscard]] int descriptor() const { return xcb_get_file_descriptor(connection_); }
-
-    void findManager() {
-        const auto question = xcb_get_selection_owner(connection_, selection_);
-        const Owned<xcb_get_selection_owner_reply_t> reply(
-            xcb_get_selection_owner_reply(connection_, question, nullptr));
-        manager_ = reply ? reply->owner : xcb_window_t{XCB_WINDOW_NONE};
-        if (manager_ != XCB_WINDOW_NONE) {
-            listen(manager_, XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE);
-        }
-    }
-
-    [[nodiscard]] std::string property() const {
-        if (manager_ == XCB_WINDOW_NONE) {
-            return {};
-        }
-        const auto question = xcb_get_property(connection_, 0, manager_, settings_, XCB_ATOM_ANY, 0, largestProperty);
-        const Owned<xcb_get_property_reply_t> reply(xcb_get_property_reply(connection_, question, nullptr));
-        if (!reply || reply->format != 8) {
-            return {};
-        }
-        return {static_cast<const char*>(xcb_get_property_value(reply.get())),
-                static_cast<std::size_t>(xcb_get_property_value_length(reply.get()))};
-    }
-
-    enum class Change { none, settings, manager };
-
-    /// What the events that have come mean together.
-    Change takeEvents() {
-        auto change = Change::none;
-        while (const Owned<xcb_generic_event_t> event{xcb_poll_for_event(connection_)}) {
-            change = std::max(change, meaning(*event));
-        }
-        return change;
-    }
-
-private:
-    template <typename Event>
-    static Event as(const xcb_generic_event_t& event) {
-        Event result;
-        std::memcpy(&result, &event, sizeof result);
-        return result;
-    }
-
-    [[nodiscard]] Change meaning(const xcb_generic_event_t& event) const {
-        constexpr std::uint8_t sentFlag = 0x80;
-        switch (event.response_type & ~sentFlag) {
-        case XCB_PROPERTY_NOTIFY:
-            return as<xcb_property_notify_event_t>(event).atom == settings_ ? Change::settings : Change::none;
-        case XCB_DESTROY_NOTIFY:
-            return as<xcb_destroy_notify_event_t>(event).window == manager_ ? Change::manager : Change::none;
-        case XCB_CLIENT_MESSAGE: {
-            const auto message = as<xcb_client_message_event_t>(event);
-            return message.type == managerMessage_ && message.data.data32[1] == selection_ ? Change::manager
-                                                                                           : Change::none;
-        }
-        default:
-            return Change::none;
-        }
-    }
-
-    [[nodiscard]] xcb_atom_t atom(const std::string& name) const {
-        const auto question = xcb_intern_atom(connection_, 0, static_cast<std::uint16_t>(name.size()), name.c_str());
-        const Owned<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(connection_, question, nullptr));
-        return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
-    }
-
-    void listen(xcb_window_t window, std::uint32_t events) const {
-        xcb_change_window_attributes(connection_, window, XCB_CW_EVENT_MASK, &events);
-        xcb_flush(connection_);
-    }
-
-    int screen_ = 0;
-    xcb_connection_t* const connection_;
-    xcb_window_t root_ = XCB_WINDOW_NONE;
-    xcb_window_t manager_ = XCB_WINDOW_NONE;
-    xcb_atom_t selection_ = XCB_ATOM_NONE;
-    xcb_atom_t settings_ = XCB_ATOM_NONE;
-    xcb_atom_t managerMessage_ = XCB_ATOM_NONE;
-};
-
-XSettings::XSettings(QObject* parent) : QObject(parent), display_(std::make_unique<Display>()) {
-    if (!display_->isOpen()) {
-        return;
-    }
-    auto* const events = new QSocketNotifier(display_->descriptor(), QSocketNotifier::Read, this);
-    connect(events, &QSocketNotifier::activated, this, [this, events] {
-        takeEvents();
-        // The toolkit's own connection ends as well, and the program with it.
-        events->setEnabled(display_->isOpen());
-    });
-    display_->findManager();
+XSettings::XSettings(QObject* parent)
+    : QObject(parent),
+      // Of the first screen, which is where Qt's windows are.
+      selection_(x11::atom("_XSETTINGS_S0")),
+      settings_(x11::atom("_XSETTINGS_SETTINGS")),
+      managerMessage_(x11::atom("MANAGER")) {
+    qGuiApp->installNativeEventFilter(this);
+    // A manager that starts says so here.
+    x11::listen(x11::root(), XCB_EVENT_MASK_STRUCTURE_NOTIFY);
+    findManager();
     read();
-    // Waiting for the answers has taken in events as well, of which the descriptor says nothing more.
-    takeEvents();
 }
 
-XSettings::~XSettings() = default;
+XSettings::~XSettings() {
+    qGuiApp->removeNativeEventFilter(this);
+}
 
-void XSettings::takeEvents() {
-    while (true) {
-        switch (display_->takeEvents()) {
-        case Display::Change::none:
-            return;
-        case Display::Change::manager:
-            display_->findManager();
-            [[fallthrough]];
-        case Display::Change::settings:
+bool XSettings::nativeEventFilter(const QByteArray& /*eventType*/, void* message, qintptr* /*result*/) {
+    constexpr std::uint8_t sentFlag = 0x80;
+    switch (static_cast<xcb_generic_event_t*>(message)->response_type & ~sentFlag) {
+    case XCB_PROPERTY_NOTIFY: {
+        const auto& event = *static_cast<xcb_property_notify_event_t*>(message);
+        if (event.window == manager_ && event.atom == settings_) {
             read();
         }
+        break;
+    }
+    case XCB_DESTROY_NOTIFY:
+        if (static_cast<xcb_destroy_notify_event_t*>(message)->window == manager_) {
+            findManager();
+            read();
+        }
+        break;
+    case XCB_CLIENT_MESSAGE: {
+        const auto& event = *static_cast<xcb_client_message_event_t*>(message);
+        if (event.type == managerMessage_ && event.data.data32[1] == selection_) {
+            findManager();
+            read();
+        }
+        break;
+    }
+    default:
+        break;
+    }
+    return false;
+}
+
+void XSettings::findManager() {
+    const Reply<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
+        x11::connection(), xcb_get_selection_owner(x11::connection(), selection_), nullptr));
+    manager_ = reply ? reply->owner : xcb_window_t{XCB_WINDOW_NONE};
+    if (manager_ != XCB_WINDOW_NONE) {
+        x11::listen(manager_, XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE);
     }
 }
 
 void XSettings::read() {
-    auto name = QString::fromStdString(textSetting(display_->property(), "Net/ThemeName").value_or(""));
+    QString name;
+    if (manager_ != XCB_WINDOW_NONE) {
+        const auto question =
+            xcb_get_property(x11::connection(), 0, manager_, settings_, XCB_ATOM_ANY, 0, largestProperty);
+        const Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(x11::connection(), question, nullptr));
+        if (reply && reply->format == 8) {
+            const std::string_view property(static_cast<const char*>(xcb_get_property_value(reply.get())),
+                                            static_cast<std::size_t>(xcb_get_property_value_length(reply.get())));
+            name = QString::fromStdString(textSetting(property, "Net/ThemeName").value_or(""));
+        }
+    }
     if (std::exchange(themeName_, name) != name) {
         Q_EMIT themeNameChanged();
     }

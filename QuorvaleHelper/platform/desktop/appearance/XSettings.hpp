@@ -1,12 +1,13 @@
 #pragma once
 
+#include <QAbstractNativeEventFilter>
 #include <QObject>
 #include <QString>
 
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <xcb/xcb.h>
 
 namespace quorvale::platform::desktop {
 
@@ -15,15 +16,16 @@ namespace quorvale::platform::desktop {
 /// https://specifications.freedesktop.org/xsettings-spec/xsettings-latest.html
 std::optional<std::string> textSetting(std::string_view property, std::string_view name);
 
-/// The name of the desktop's GTK theme, as the X server's settings manager tells it. GUI thread.
-class XSettings final : public QObject {
+/// The name of the desktop's GTK theme, as the X server's settings manager tells it; empty where there is none. GUI
+/// thread, where the program's windows are on X11.
+class XSettings final : public QObject, private QAbstractNativeEventFilter {
     Q_OBJECT
 
 public:
-    /// On a connection of its own to the display that DISPLAY names. Where there is none, or no settings manager, the
-    /// name is empty.
     explicit XSettings(QObject* parent = nullptr);
     ~XSettings() override;
+    XSettings(const XSettings&) = delete;
+    XSettings& operator=(const XSettings&) = delete;
 
     [[nodiscard]] QString themeName() const { return themeName_; }
 
@@ -31,11 +33,14 @@ Q_SIGNALS:
     void themeNameChanged();
 
 private:
+    bool nativeEventFilter(const QByteArray& eventType, void* message, qintptr* result) override;
+    void findManager();
     void read();
-    void takeEvents();
 
-    class Display;
-    std::unique_ptr<Display> display_;
+    const xcb_atom_t selection_;
+    const xcb_atom_t settings_;
+    const xcb_atom_t managerMessage_;
+    xcb_window_t manager_ = XCB_WINDOW_NONE;
     QString themeName_;
 };
 

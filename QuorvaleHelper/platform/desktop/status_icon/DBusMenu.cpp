@@ -1,17 +1,18 @@
 #include "platform/desktop/status_icon/DBusMenu.hpp"
 
 #include <QAction>
-#include <QBuffer>
 #include <QDBusAbstractAdaptor>
 #include <QDBusArgument>
 #include <QDBusMetaType>
 #include <QDBusVariant>
 #include <QGuiApplication>
 #include <QIcon>
+#include <QImage>
 #include <QPixmap>
 #include <QTimer>
 #include <QTimerEvent>
 
+#include <png.h>
 #include <utility>
 
 namespace quorvale::platform::desktop {
@@ -105,10 +106,21 @@ QString label(const QAction& action) {
     return label;
 }
 
+/// By the library itself: Qt's writer would load all its plugins for other formats, and keep them.
 QByteArray png(const QIcon& icon) {
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    icon.pixmap(QSize(iconSize, iconSize), 1).save(&buffer, "PNG");
+    const auto picture = icon.pixmap(QSize(iconSize, iconSize), 1).toImage().convertToFormat(QImage::Format_RGBA8888);
+    png_image header{};
+    header.version = PNG_IMAGE_VERSION;
+    header.width = static_cast<png_uint_32>(picture.width());
+    header.height = static_cast<png_uint_32>(picture.height());
+    header.format = PNG_FORMAT_RGBA;
+    auto size = static_cast<png_alloc_size_t>(PNG_IMAGE_PNG_SIZE_MAX(header));
+    QByteArray bytes(static_cast<qsizetype>(size), Qt::Uninitialized);
+    const auto stride = static_cast<png_int_32>(picture.bytesPerLine());
+    if (png_image_write_to_memory(&header, bytes.data(), &size, 0, picture.constBits(), stride, nullptr) == 0) {
+        return {};
+    }
+    bytes.truncate(static_cast<qsizetype>(size));
     return bytes;
 }
 

@@ -2,8 +2,6 @@
 
 #include <QGuiApplication>
 
-#include <cstdint>
-
 namespace quorvale::platform::desktop::x11 {
 
 xcb_connection_t* connection() {
@@ -20,6 +18,16 @@ xcb_atom_t atom(std::string_view name) {
     const Reply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
         connection(), xcb_intern_atom(connection(), 0, static_cast<std::uint16_t>(name.size()), name.data()), nullptr));
     return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
+}
+
+void listen(xcb_window_t window, std::uint32_t events) {
+    const Reply<xcb_get_window_attributes_reply_t> attributes(
+        xcb_get_window_attributes_reply(connection(), xcb_get_window_attributes(connection(), window), nullptr));
+    if (attributes) {
+        events |= attributes->your_event_mask;
+        xcb_change_window_attributes(connection(), window, XCB_CW_EVENT_MASK, &events);
+        xcb_flush(connection());
+    }
 }
 
 } // namespace quorvale::platform::desktop::x11

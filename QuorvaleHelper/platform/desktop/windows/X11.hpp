@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <cstdlib>
 #include <memory>
 #include <string_view>
@@ -22,5 +23,8 @@ xcb_connection_t* connection();
 xcb_window_t root();
 
 xcb_atom_t atom(std::string_view name);
+
+/// Asks for events of `window`, beside those that Qt has asked for.
+void listen(xcb_window_t window, std::uint32_t events);
 
 } // namespace quorvale::platform::desktop::x11
