@@ -19,11 +19,15 @@ if(QUORVALE_FUZZ)
   target_compile_options(quorvale_options INTERFACE -fsanitize=fuzzer-no-link)
 endif()
 
-# quorvale_library(name SOURCES file... [LINKS target...] [PRIVATE_LINKS target...])
-# A static library. LINKS are seen by those who include its headers, PRIVATE_LINKS are not.
+# quorvale_library(name [SMALL] SOURCES file... [LINKS target...] [PRIVATE_LINKS target...])
+# A static library. LINKS are seen by those who include its headers, PRIVATE_LINKS are not. One that is SMALL runs at the
+# pace of a hand, and is compiled for size: its code stays in memory.
 function(quorvale_library name)
-  cmake_parse_arguments(arg "" "" "SOURCES;LINKS;PRIVATE_LINKS" ${ARGN})
+  cmake_parse_arguments(arg "SMALL" "" "SOURCES;LINKS;PRIVATE_LINKS" ${ARGN})
   add_library(${name} STATIC ${arg_SOURCES})
+  if(arg_SMALL)
+    target_compile_options(${name} PRIVATE $<$<CONFIG:Release>:-Os>)
+  endif()
   target_link_libraries(${name} PUBLIC quorvale_options ${arg_LINKS} PRIVATE ${arg_PRIVATE_LINKS})
 endfunction()
 
