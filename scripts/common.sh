@@ -16,10 +16,13 @@ packages() {
     inside && NF && !/^#/ { print $1 }' "$root/packages.txt"
 }
 
-# install_packages SECTION...: those that are missing. Nothing is asked and nothing else is touched if none is.
+# install_packages SECTION...: those that are missing, also of the sections for this release of Debian alone, which have its
+# number after the name. Nothing is asked and nothing else is touched if none is.
 install_packages() {
-  local wanted missing as_root=()
-  mapfile -t wanted < <(packages "$@" | sort)
+  local release wanted missing as_root=()
+  # shellcheck source=/dev/null
+  release=$(. /etc/os-release && echo "${VERSION_ID:-}")
+  mapfile -t wanted < <(packages "$@" "${@/%/$release}" | sort)
   if ! command -v dpkg-query >/dev/null; then
     echo "This is no Debian; it must have what is called there: ${wanted[*]}" >&2
     return
