@@ -26,8 +26,12 @@ std::string text(gchar* given) {
 }
 
 std::string name(AtspiAccessible* object) {
-    return text(atspi_accessible_get_role_name(object, nullptr)) + " '" +
-           text(atspi_accessible_get_name(object, nullptr)) + "'";
+    auto role = text(atspi_accessible_get_role_name(object, nullptr));
+    // As Debian 12 calls it.
+    if (role == "button") {
+        role = "push button";
+    }
+    return role + " '" + text(atspi_accessible_get_name(object, nullptr)) + "'";
 }
 
 std::string states(AtspiAccessible* object) {
