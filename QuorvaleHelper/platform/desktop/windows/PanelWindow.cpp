@@ -46,6 +46,7 @@ PanelWindow::PanelWindow(Presentation presentation)
     layout->setContentsMargins(borderWidth, borderWidth, borderWidth, borderWidth);
     layout->setSizeConstraint(QLayout::SetFixedSize);
     connect(&grab_, &InputGrab::clickedElsewhere, this, &PanelWindow::dismiss);
+    connect(&backdrop_, &LayerBackdrop::pressed, this, &PanelWindow::dismiss);
     connect(&grab_, &InputGrab::pressedTooEarly, this, [this](QPoint place) {
         // Of a click on the icon the panel tells.
         if (!geometry().contains(place) && (place - anchor_).manhattanLength() > iconReach) {
@@ -97,6 +98,7 @@ void PanelWindow::showEvent(QShowEvent* event) {
 
 void PanelWindow::hideEvent(QHideEvent* event) {
     grab_.release();
+    backdrop_.remove();
     QWidget::hideEvent(event);
     Q_EMIT visibilityChanged(false);
 }
@@ -139,7 +141,9 @@ void PanelWindow::place() {
         // Where it stands is settled when it is shown.
         if (isHidden()) {
             winId();
-            standOnLayer(*windowHandle(), layerPlace(anchor_, sizeHint(), screen.geometry));
+            if (standOnLayer(*windowHandle(), layerPlace(anchor_, sizeHint(), screen.geometry, layoutDirection()))) {
+                backdrop_.raise();
+            }
         }
         return;
     }
