@@ -69,6 +69,18 @@ def area(image, color):
     return None
 
 
+def inside(image, color):
+    """A place with nothing but this colour around it; nothing if there is none."""
+    cell = 8
+    mask = is_in(image, color, color)
+    coarse = mask.resize((image.width // cell, image.height // cell), Image.BOX)
+    found = [number for number, value in enumerate(coarse.tobytes()) if value == 255]
+    if not found:
+        return None
+    row, column = divmod(found[len(found) // 2], coarse.width)
+    return (column * cell + cell // 2, row * cell + cell // 2)
+
+
 def gap(one, other):
     """How many pixels are between two rectangles, across and down."""
     return tuple(max(0, one[i] - other[i + 2], other[i] - one[i + 2]) for i in (0, 1))
@@ -359,12 +371,8 @@ class Session:
     def check_raise(self):
         if not self.log_shown():
             raise NotApplicable("no log")
-        screen = self.screen()
-        width, height = screen.size
         # Where the log window isn't, or else the other one's tab.
-        places = [(40, height // 2), (width - 40, height // 2), (width // 2, height - 90), (width // 2, 90)]
-        place = next((place for place in places if screen.getpixel(place) == OTHER_WINDOW), None)
-        if not (place := place or self.panel.other_tab):
+        if not (place := inside(self.screen(), OTHER_WINDOW) or self.panel.other_tab):
             raise NotApplicable("the log covers all")
         self.click(place)
         until("the other window doesn't come to the front", lambda: not self.log_shown())
