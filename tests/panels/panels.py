@@ -109,6 +109,9 @@ xwayland disable
     )
 
 
+# KWin gives a panel its rights only if it finds it in the applications' menu.
+KDE = {"XDG_CURRENT_DESKTOP": "KDE", "KDE_FULL_SESSION": "true", "XDG_MENU_PREFIX": "plasma-"}
+
 NESTED_GNOME = (
     "MUTTER_DEBUG_DUMMY_MODE_SPECS=1280x800 gnome-shell --nested --wayland --wayland-display=wayland-9"
 )
@@ -150,7 +153,7 @@ type=worldclock
             ),
             ("plasmashell --no-respawn", HOST),
         ],
-        environment={"XDG_CURRENT_DESKTOP": "KDE", "KDE_FULL_SESSION": "true", "KDE_SESSION_VERSION": "5"},
+        environment=KDE | {"KDE_SESSION_VERSION": "5"},
     ),
     "cinnamon": Panel(
         [
@@ -177,12 +180,7 @@ type=worldclock
         ],
         release=13,
         at_edge=True,
-        environment={
-            "XDG_CURRENT_DESKTOP": "KDE",
-            "KDE_FULL_SESSION": "true",
-            "KDE_SESSION_VERSION": "6",
-            "XDG_SESSION_TYPE": "wayland",
-            "WAYLAND_DISPLAY": "wayland-9",
-        },
+        environment=KDE
+        | {"KDE_SESSION_VERSION": "6", "XDG_SESSION_TYPE": "wayland", "WAYLAND_DISPLAY": "wayland-9"},
     ),
 }
