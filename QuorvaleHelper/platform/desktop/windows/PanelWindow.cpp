@@ -2,6 +2,7 @@
 
 #include "platform/desktop/windows/LayerShell.hpp"
 #include "platform/desktop/windows/PanelPlacement.hpp"
+#include "platform/desktop/windows/X11.hpp"
 #include "platform/desktop/windows/describeWindows.hpp"
 
 #include <QKeyEvent>
@@ -106,7 +107,7 @@ void PanelWindow::hideEvent(QHideEvent* event) {
 void PanelWindow::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
     if (presentation_ == Presentation::AnchoredPopup) {
-        // Without a compositing manager the transparent corners would be black.
+        // Without a compositing manager the corners would be there.
         setMask(QRegion(outline(rect(), cornerRadius - 1).toFillPolygon().toPolygon()));
         if (isVisible()) {
             place();
@@ -117,6 +118,10 @@ void PanelWindow::resizeEvent(QResizeEvent* event) {
 void PanelWindow::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
+    if (!x11::isComposited()) {
+        // What is transparent would be black.
+        painter.fillRect(rect(), palette().window());
+    }
     auto border = palette().color(QPalette::WindowText);
     border.setAlphaF(0.2F);
     constexpr auto inset = borderWidth / 2.0;

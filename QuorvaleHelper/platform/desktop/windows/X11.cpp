@@ -22,4 +22,14 @@ xcb_atom_t atom(std::string_view name) {
     return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
 }
 
+bool isComposited() {
+    auto* const server = connection();
+    if (!server) {
+        return true;
+    }
+    const Reply<xcb_get_selection_owner_reply_t> manager(
+        xcb_get_selection_owner_reply(server, xcb_get_selection_owner(server, atom("_NET_WM_CM_S0")), nullptr));
+    return manager && manager->owner != XCB_WINDOW_NONE;
+}
+
 } // namespace quorvale::platform::desktop::x11

@@ -23,4 +23,8 @@ xcb_window_t root();
 
 xcb_atom_t atom(std::string_view name);
 
+/// Whether a window's transparent parts show what is under it; true where windows are not on X11.
+/// https://specifications.freedesktop.org/wm-spec/latest/ar01s08.html
+bool isComposited();
+
 } // namespace quorvale::platform::desktop::x11
