@@ -266,8 +266,9 @@ class Session:
     def close(self):
         """Whatever is open goes, however."""
         run("xdotool", "mousemove", *map(str, BARE_DESKTOP))
+        if not self.new_words():
+            return
         for action in (
-            lambda: None,
             lambda: self.press("Escape"),
             lambda: self.click(BARE_DESKTOP),
             self.click_icon,
