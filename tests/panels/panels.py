@@ -95,6 +95,7 @@ def sway(release, **not_applicable):
             ("waybar", HOST),
         ],
         release=release,
+        is_steady=release == 12,
         other_tab=(100, 28),
         not_applicable=not_applicable,
         at_edge=True,
@@ -118,9 +119,14 @@ NESTED_GNOME = (
 )
 
 PANELS = {
-    "xfce4-panel": Panel([XFWM, ("xfce4-panel --disable-wm-check", HOST)], environment={"XDG_CURRENT_DESKTOP": "XFCE"}),
+    "xfce4-panel": Panel(
+        [XFWM, ("xfce4-panel --disable-wm-check", HOST)],
+        is_steady=True,
+        environment={"XDG_CURRENT_DESKTOP": "XFCE"},
+    ),
     "tint2": Panel(
         [XFWM, ("tint2", "xdotool search --onlyvisible --class tint2")],
+        is_steady=True,
         environment={"XDG_CURRENT_DESKTOP": "tint2"},
     ),
     "lxqt": Panel(
