@@ -12,6 +12,8 @@ style.load_from_data(b"window { background: #c020c0; }")
 Gtk.StyleContext.add_provider_for_screen(Gdk.Screen.get_default(), style, Gtk.STYLE_PROVIDER_PRIORITY_USER)
 window = Gtk.Window(title="Another window")
 window.connect("destroy", Gtk.main_quit)
+# Some desktops forget at times that it is to be maximized.
+window.set_default_size(1200, 700)
 window.maximize()
 window.show_all()
 Gtk.main()

@@ -7,7 +7,7 @@ from pathlib import Path
 
 from panels import PANELS
 
-CHECKS = "icon open place live escape elsewhere second menu log raise quit".split()
+CHECKS = "icon open place live escape elsewhere second menu status log raise quit".split()
 
 
 def list_panels(wanted):

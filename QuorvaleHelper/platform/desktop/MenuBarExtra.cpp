@@ -1,12 +1,12 @@
 #include "platform/desktop/MenuBarExtra.hpp"
 
 #include "platform/desktop/windows/ActivationToken.hpp"
+#include "platform/desktop/windows/PanelPlacement.hpp"
 #include "platform/desktop/windows/WindowSystem.hpp"
 
 #include <QAction>
 #include <QCursor>
 #include <QGuiApplication>
-#include <QScreen>
 
 #include <utility>
 
@@ -43,12 +43,15 @@ MenuBarExtra::MenuBarExtra(const QDBusConnection& bus, StatusNotifierItem::Descr
       title_(description.title),
       status_(fill(menu_, menu)),
       icon_(bus, std::move(description), menu_),
-      window_(presentation()),
-      lastAnchor_(QGuiApplication::primaryScreen()->availableGeometry().topRight()) {
+      window_(presentation()) {
     window_.setWindowTitle(title_);
     connect(status_, &QAction::triggered, this, [this] {
         // The pointer is on the menu then, and so at the icon. On Wayland it isn't known.
-        open(windowSystem() == WindowSystem::Wayland ? lastAnchor_ : QCursor::pos());
+        if (windowSystem() == WindowSystem::Wayland) {
+            show();
+        } else {
+            open(QCursor::pos());
+        }
     });
     connect(&icon_, &StatusIcon::failed, this, &MenuBarExtra::failed);
     connect(&icon_, &StatusIcon::activated, this, [this](QPoint anchor, const QString& activationToken) {
@@ -81,7 +84,8 @@ void MenuBarExtra::toggle(QPoint anchor) {
 }
 
 void MenuBarExtra::show() {
-    open(lastAnchor_);
+    const auto screen = ScreenGeometry::of(*QGuiApplication::primaryScreen());
+    open(lastAnchor_.value_or(iconCorner(screen, QGuiApplication::layoutDirection())));
 }
 
 void MenuBarExtra::dismiss() {

@@ -12,6 +12,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace quorvale::platform::desktop {
@@ -66,7 +67,7 @@ private:
     StatusIcon icon_;
     PanelWindow window_;
     MakeContent makeContent_;
-    QPoint lastAnchor_;
+    std::optional<QPoint> lastAnchor_;
 };
 
 } // namespace quorvale::platform::desktop

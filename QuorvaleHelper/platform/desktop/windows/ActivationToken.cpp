@@ -61,7 +61,7 @@ ActivationToken::Own ActivationToken::takeOwn() {
     return {takeVariable(tokenVariable), takeVariable(startupVariable)};
 }
 
-QByteArray ActivationToken::startupId() {
+QByteArray ActivationToken::current() {
     return innermost ? innermost->token_ : QByteArray();
 }
 

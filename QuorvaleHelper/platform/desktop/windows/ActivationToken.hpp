@@ -27,9 +27,9 @@ public:
     /// Takes them out of the environment. To be called before there is an application object, which takes one as well.
     static Own takeOwn();
 
-    /// Of the innermost token alive, on X11: empty if there is none.
-    static QByteArray startupId();
-    /// Of the innermost token alive, on X11: 0 if it isn't known. As checked as a peer's word can be without a server.
+    /// The innermost token alive, on X11 a startup id: empty if there is none.
+    static QByteArray current();
+    /// That of the innermost token alive, on X11: 0 if it isn't known. As checked as a peer's word can be without a server.
     static std::uint32_t userTime();
 
     ActivationToken(const ActivationToken&) = delete;

@@ -13,4 +13,8 @@ namespace quorvale::platform::desktop {
 /// https://wayland.app/protocols/wlr-layer-shell-unstable-v1
 bool standOnLayer(QWindow& window, const LayerPlace& place);
 
+/// The same for a window that is to cover all of its screen that the panels leave free, below those that stand at a
+/// place; it never gets the keyboard.
+bool coverOnLayer(QWindow& window);
+
 } // namespace quorvale::platform::desktop

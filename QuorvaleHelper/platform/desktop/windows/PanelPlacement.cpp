@@ -98,7 +98,13 @@ QPoint panelTopLeft(QPoint anchor, QSize size, const ScreenGeometry& screen) {
     return {centredX, within(inUpperHalf ? below : above, top, bottom)};
 }
 
-LayerPlace layerPlace(QPoint panelsWord, QSize size, QRect screen) {
+QPoint iconCorner(const ScreenGeometry& screen, Qt::LayoutDirection direction) {
+    const auto& [all, free, _] = screen;
+    const auto isBelow = free.bottom() < all.bottom() && free.top() == all.top();
+    return {direction == Qt::RightToLeft ? all.left() : all.right(), isBelow ? all.bottom() : all.top()};
+}
+
+LayerPlace layerPlace(QPoint panelsWord, QSize size, QRect screen, Qt::LayoutDirection direction) {
     /// The thickest panel.
     constexpr int reach = 96;
     const auto left = panelsWord.x() - screen.left();
@@ -106,7 +112,8 @@ LayerPlace layerPlace(QPoint panelsWord, QSize size, QRect screen) {
     const auto right = screen.right() - panelsWord.x();
     const auto bottom = screen.bottom() - panelsWord.y();
     if (panelsWord.isNull() || !screen.contains(panelsWord) || std::min({left, top, right, bottom}) > reach) {
-        return {Qt::TopEdge | Qt::RightEdge, {0, gap, gap, 0}};
+        return direction == Qt::RightToLeft ? LayerPlace{Qt::TopEdge | Qt::LeftEdge, {gap, gap, 0, 0}}
+                                            : LayerPlace{Qt::TopEdge | Qt::RightEdge, {0, gap, gap, 0}};
     }
     // In a corner either edge is as good, for the compositor keeps the window off the panel.
     if (std::min(top, bottom) <= reach) {

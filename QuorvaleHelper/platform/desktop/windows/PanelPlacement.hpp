@@ -38,6 +38,10 @@ QPoint anchorPoint(QPoint panelsWord, PanelActivation activation, QPoint pointer
 /// in, centred at the icon as far as the screen allows. Logical pixels.
 QPoint panelTopLeft(QPoint anchor, QSize size, const ScreenGeometry& screen);
 
+/// The corner of the screen in which panels have their icons where texts run in `direction`: the lower one if only the
+/// lower edge is covered by a panel.
+QPoint iconCorner(const ScreenGeometry& screen, Qt::LayoutDirection direction);
+
 /// Where a window stands on a Wayland desktop: at two edges of the screen, in their corner, or off it by the margins.
 struct LayerPlace {
     Qt::Edges edges;
@@ -46,8 +50,8 @@ struct LayerPlace {
 
 /// The place of a window of `size` that belongs to an icon at `panelsWord`, in logical pixels of `screen`: at the edge
 /// that is next to the icon, and as near to it as the screen allows. The panels there count from a corner of their own,
-/// if they say anything but (0, 0): a word that isn't beside an edge gives the upper right corner, where most of them
-/// have their icons.
-LayerPlace layerPlace(QPoint panelsWord, QSize size, QRect screen);
+/// if they say anything but (0, 0): a word that isn't beside an edge gives the upper corner where most of them have
+/// their icons, which is the left one where texts run from right to left.
+LayerPlace layerPlace(QPoint panelsWord, QSize size, QRect screen, Qt::LayoutDirection direction);
 
 } // namespace quorvale::platform::desktop

@@ -2,6 +2,7 @@
 
 #include "platform/desktop/windows/LayerShell.hpp"
 #include "platform/desktop/windows/PanelPlacement.hpp"
+#include "platform/desktop/windows/X11.hpp"
 #include "platform/desktop/windows/describeWindows.hpp"
 
 #include <QKeyEvent>
@@ -46,6 +47,7 @@ PanelWindow::PanelWindow(Presentation presentation)
     layout->setContentsMargins(borderWidth, borderWidth, borderWidth, borderWidth);
     layout->setSizeConstraint(QLayout::SetFixedSize);
     connect(&grab_, &InputGrab::clickedElsewhere, this, &PanelWindow::dismiss);
+    connect(&backdrop_, &LayerBackdrop::pressed, this, &PanelWindow::dismiss);
     connect(&grab_, &InputGrab::pressedTooEarly, this, [this](QPoint place) {
         // Of a click on the icon the panel tells.
         if (!geometry().contains(place) && (place - anchor_).manhattanLength() > iconReach) {
@@ -97,6 +99,7 @@ void PanelWindow::showEvent(QShowEvent* event) {
 
 void PanelWindow::hideEvent(QHideEvent* event) {
     grab_.release();
+    backdrop_.remove();
     QWidget::hideEvent(event);
     Q_EMIT visibilityChanged(false);
 }
@@ -104,7 +107,7 @@ void PanelWindow::hideEvent(QHideEvent* event) {
 void PanelWindow::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
     if (presentation_ == Presentation::AnchoredPopup) {
-        // Without a compositing manager the transparent corners would be black.
+        // Without a compositing manager the corners would be there.
         setMask(QRegion(outline(rect(), cornerRadius - 1).toFillPolygon().toPolygon()));
         if (isVisible()) {
             place();
@@ -115,6 +118,10 @@ void PanelWindow::resizeEvent(QResizeEvent* event) {
 void PanelWindow::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
+    if (!x11::isComposited()) {
+        // What is transparent would be black.
+        painter.fillRect(rect(), palette().window());
+    }
     auto border = palette().color(QPalette::WindowText);
     border.setAlphaF(0.2F);
     constexpr auto inset = borderWidth / 2.0;
@@ -139,7 +146,9 @@ void PanelWindow::place() {
         // Where it stands is settled when it is shown.
         if (isHidden()) {
             winId();
-            standOnLayer(*windowHandle(), layerPlace(anchor_, sizeHint(), screen.geometry));
+            if (standOnLayer(*windowHandle(), layerPlace(anchor_, sizeHint(), screen.geometry, layoutDirection()))) {
+                backdrop_.raise();
+            }
         }
         return;
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/desktop/windows/InputGrab.hpp"
+#include "platform/desktop/windows/LayerBackdrop.hpp"
 
 #include <QElapsedTimer>
 #include <QPoint>
@@ -19,7 +20,8 @@ public:
     enum class Presentation {
         /// X11: shown at the icon, holding pointer and keyboard, so that a click anywhere else dismisses it.
         AnchoredPopup,
-        /// Wayland, where a client can't place its windows: an ordinary window, dismissed when it loses the focus.
+        /// Wayland, where a client can't place its windows: on a layer, dismissed by a click elsewhere, or else an
+        /// ordinary window; dismissed when it loses the focus.
         PlacedByCompositor,
     };
 
@@ -52,6 +54,7 @@ private:
     const Presentation presentation_;
     QPoint anchor_;
     InputGrab grab_{*this};
+    LayerBackdrop backdrop_;
     QElapsedTimer sinceFocusLoss_;
 };
 

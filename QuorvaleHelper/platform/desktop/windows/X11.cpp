@@ -30,4 +30,14 @@ void listen(xcb_window_t window, std::uint32_t events) {
     }
 }
 
+bool isComposited() {
+    auto* const server = connection();
+    if (!server) {
+        return true;
+    }
+    const Reply<xcb_get_selection_owner_reply_t> manager(
+        xcb_get_selection_owner_reply(server, xcb_get_selection_owner(server, atom("_NET_WM_CM_S0")), nullptr));
+    return manager && manager->owner != XCB_WINDOW_NONE;
+}
+
 } // namespace quorvale::platform::desktop::x11

@@ -27,4 +27,8 @@ xcb_atom_t atom(std::string_view name);
 /// Asks for events of `window`, beside those that Qt has asked for.
 void listen(xcb_window_t window, std::uint32_t events);
 
+/// Whether a window's transparent parts show what is under it; true where windows are not on X11.
+/// https://specifications.freedesktop.org/wm-spec/latest/ar01s08.html
+bool isComposited();
+
 } // namespace quorvale::platform::desktop::x11

@@ -1,6 +1,7 @@
 #include "platform/desktop/windows/bringToFront.hpp"
 
 #include "platform/desktop/windows/ActivationToken.hpp"
+#include "platform/desktop/windows/WindowSystem.hpp"
 #include "platform/desktop/windows/X11.hpp"
 
 #include <QWidget>
@@ -91,13 +92,18 @@ void completeStartup(xcb_connection_t* connection, xcb_window_t window, const QB
 void bringToFront(QWidget& window) {
     auto* const connection = x11::connection();
     if (!connection) {
+        // Without leave a compositor raises no window, as it would be anyone's to ask. Most show a new one in front.
+        if (window.isVisible() && !window.isActiveWindow() && ActivationToken::current().isEmpty() &&
+            windowSystem() == WindowSystem::Wayland) {
+            window.hide();
+        }
         window.show();
         window.raise();
         window.activateWindow();
         return;
     }
     const auto id = static_cast<xcb_window_t>(window.winId());
-    const auto startupId = ActivationToken::startupId();
+    const auto startupId = ActivationToken::current();
     if (!startupId.isEmpty()) {
         xcb_change_property(connection, XCB_PROP_MODE_REPLACE, id, x11::atom("_NET_STARTUP_ID"),
                             x11::atom("UTF8_STRING"), 8, static_cast<std::uint32_t>(startupId.size()),

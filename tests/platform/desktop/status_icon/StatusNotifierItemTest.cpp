@@ -150,7 +150,7 @@ TEST_F(StatusNotifierItemTest, UsesATokenUpWithWhatItWasGivenFor) {
 
     std::vector<std::pair<QByteArray, std::uint32_t>> choices;
     QObject::connect(log, &QAction::triggered,
-                     [&] { choices.emplace_back(ActivationToken::startupId(), ActivationToken::userTime()); });
+                     [&] { choices.emplace_back(ActivationToken::current(), ActivationToken::userTime()); });
     auto choice = QDBusMessage::createMethodCall(session.program.baseService(), DBusMenu::path,
                                                  QStringLiteral("com.canonical.dbusmenu"), QStringLiteral("Event"));
     choice << 1 << QStringLiteral("clicked") << QVariant::fromValue(QDBusVariant(QString())) << 7U;
@@ -164,7 +164,7 @@ TEST_F(StatusNotifierItemTest, UsesATokenUpWithWhatItWasGivenFor) {
     const std::vector<std::pair<QByteArray, std::uint32_t>> expectedChoices{
         {"token", 7}, {"panel-1_TIME12", 12}, {"", 7}, {"", 7}, {"", 7}, {"_TIME99999999999", 7}};
     EXPECT_EQ(choices, expectedChoices);
-    EXPECT_EQ(ActivationToken::startupId(), QByteArray());
+    EXPECT_EQ(ActivationToken::current(), QByteArray());
     EXPECT_EQ(call("Activate", {0, 0}).type(), QDBusMessage::ReplyMessage);
     const std::vector<std::pair<QPoint, QString>> expected{
         {{1200, 12}, QStringLiteral("token")}, {{-5, 0}, QString()}, {{0, 0}, QString()}};

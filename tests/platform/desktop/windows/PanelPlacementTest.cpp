@@ -72,7 +72,7 @@ TEST(PanelPlacementTest, StandsAtTheEdgeThatIsNextToTheIcon) {
     constexpr QRect screen(0, 0, 1280, 800);
     constexpr QSize size(202, 105);
     const auto expect = [&](QPoint word, Qt::Edges edges, QMargins margins) {
-        const auto place = layerPlace(word, size, screen);
+        const auto place = layerPlace(word, size, screen, Qt::LeftToRight);
         EXPECT_EQ(place.edges, edges) << word.x() << ' ' << word.y();
         EXPECT_EQ(place.margins, margins) << word.x() << ' ' << word.y();
     };
@@ -82,7 +82,17 @@ TEST(PanelPlacementTest, StandsAtTheEdgeThatIsNextToTheIcon) {
     expect({1270, 400}, Qt::RightEdge | Qt::TopEdge, {0, 348, 4, 0});
     for (const QPoint useless : {QPoint(0, 0), QPoint(600, 400), QPoint(-40, 9000)}) {
         expect(useless, Qt::TopEdge | Qt::RightEdge, {0, 4, 4, 0});
+        EXPECT_EQ(layerPlace(useless, size, screen, Qt::RightToLeft).edges, Qt::TopEdge | Qt::LeftEdge);
     }
+}
+
+TEST(PanelPlacementTest, TakesTheEndOfThePanelsLineForTheIconsPlace) {
+    constexpr QRect screen(0, 0, 1280, 800);
+    const ScreenGeometry panelAbove{screen, {0, 28, 1280, 772}};
+    EXPECT_EQ(iconCorner(panelAbove, Qt::LeftToRight), QPoint(1279, 0));
+    EXPECT_EQ(iconCorner(panelAbove, Qt::RightToLeft), QPoint(0, 0));
+    EXPECT_EQ(iconCorner({screen, {0, 0, 1280, 756}}, Qt::LeftToRight), QPoint(1279, 799));
+    EXPECT_EQ(iconCorner({screen, screen}, Qt::LeftToRight), QPoint(1279, 0));
 }
 
 } // namespace quorvale::platform::desktop

@@ -56,22 +56,45 @@ LayerWindow::Anchors anchors(Qt::Edges edges) {
     return anchors;
 }
 
+/// Null if it is not offered.
+LayerWindow* layerWindow(QWindow& window) {
+    static const auto offered = isOffered();
+    if (!offered) {
+        return nullptr;
+    }
+    auto* const layer = LayerWindow::get(&window);
+    layer->setCloseOnDismissed(false);
+    return layer;
+}
+
 } // namespace
 
 /// As `standOnLayer`.
 extern "C" Q_DECL_EXPORT bool quorvaleStandOnLayer(QWindow& window, const LayerPlace& place) {
-    static const auto offered = isOffered();
-    if (!offered) {
+    auto* const layer = layerWindow(window);
+    if (!layer) {
         return false;
     }
-    auto& layer = *LayerWindow::get(&window);
-    layer.setScope(QStringLiteral("menu-bar-window"));
-    layer.setLayer(LayerWindow::LayerTop);
-    layer.setKeyboardInteractivity(LayerWindow::KeyboardInteractivityOnDemand);
-    layer.setScreenConfiguration(LayerWindow::ScreenFromCompositor);
-    layer.setCloseOnDismissed(false);
-    layer.setAnchors(anchors(place.edges));
-    layer.setMargins(place.margins);
+    layer->setScope(QStringLiteral("menu-bar-window"));
+    // The order within one layer is the compositor's affair.
+    layer->setLayer(LayerWindow::LayerOverlay);
+    layer->setKeyboardInteractivity(LayerWindow::KeyboardInteractivityOnDemand);
+    layer->setScreenConfiguration(LayerWindow::ScreenFromCompositor);
+    layer->setAnchors(anchors(place.edges));
+    layer->setMargins(place.margins);
+    return true;
+}
+
+/// As `coverOnLayer`.
+extern "C" Q_DECL_EXPORT bool quorvaleCoverOnLayer(QWindow& window) {
+    auto* const layer = layerWindow(window);
+    if (!layer) {
+        return false;
+    }
+    layer->setScope(QStringLiteral("menu-bar-backdrop"));
+    layer->setLayer(LayerWindow::LayerTop);
+    layer->setKeyboardInteractivity(LayerWindow::KeyboardInteractivityNone);
+    layer->setAnchors(anchors(Qt::TopEdge | Qt::BottomEdge | Qt::LeftEdge | Qt::RightEdge));
     return true;
 }
 
