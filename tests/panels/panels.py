@@ -131,6 +131,7 @@ PANELS = {
     ),
     "lxqt": Panel(
         [XFWM, ("lxqt-panel", HOST)],
+        is_steady=True,
         environment={"XDG_CURRENT_DESKTOP": "LXQt"},
         files={
             ".config/lxqt/panel.conf": """panels=panel1
@@ -149,6 +150,7 @@ type=worldclock
     ),
     "mate": Panel(
         [("marco --no-composite", WINDOW_MANAGER), ("mate-panel", HOST)],
+        is_steady=True,
         environment={"XDG_CURRENT_DESKTOP": "MATE"},
     ),
     "plasma": Panel(
