@@ -29,7 +29,8 @@ public:
 
     /// The innermost token alive, on X11 a startup id: empty if there is none.
     static QByteArray current();
-    /// That of the innermost token alive, on X11: 0 if it isn't known. As checked as a peer's word can be without a server.
+    /// That of the innermost token alive, on X11: 0 if it isn't known. As checked as a peer's word can be without a
+    /// server.
     static std::uint32_t userTime();
 
     ActivationToken(const ActivationToken&) = delete;
