@@ -128,7 +128,7 @@ bool InputGrab::takeKeyboard() {
     if (QGuiApplication::focusWindow() == window && !window_.isActiveWindow()) {
         QT_WARNING_PUSH
         QT_WARNING_DISABLE_DEPRECATED // in favour of asking the server, which has nothing to tell either
-            QApplication::setActiveWindow(&window_);
+        QApplication::setActiveWindow(&window_);
         QT_WARNING_POP
     }
     return true;
