@@ -95,4 +95,18 @@ TEST_F(AccessibilityTest, ReadsTheOpenWindowHearsEachStatusAndPressesItsButtons)
     EXPECT_EQ(helper.process().waitForExit(), (Process::Exit{.code = EXIT_SUCCESS}));
 }
 
+TEST_F(AccessibilityTest, ReadsTheLogAndClosesIt) {
+    session.openLog();
+    EXPECT_TRUE(reader.waitForLine("window:activate 0 frame 'Log'"));
+    // The list's one row has the lines, of which this is the last.
+    const auto lastLine = testing::EndsWith("Quorvale Helper launched' focused");
+    EXPECT_TRUE(tests::waitUntil([&] { return testing::Value(tree(), testing::Contains(lastLine)); }));
+    const auto objects = tree();
+    EXPECT_THAT(objects, testing::Contains(testing::StartsWith("has list 'Log'")));
+    EXPECT_THAT(objects, testing::Contains(testing::StartsWith("has list item '[")));
+    press("push button 'Done'");
+    const auto theWindow = testing::Contains(testing::StartsWith("has frame 'Log'"));
+    EXPECT_TRUE(tests::waitUntil([&] { return testing::Value(tree(), testing::Not(theWindow)); }));
+}
+
 } // namespace quorvale

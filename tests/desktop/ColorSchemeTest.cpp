@@ -23,9 +23,7 @@ TEST(ColorSchemeTest, FollowsTheThemeThatTheSettingsManagerOfX11Names) {
     const DesktopSession session;
     HelperProcess helper(session.environment());
     ASSERT_TRUE(helper.logs("info Quorvale Helper launched"));
-    session.run({"gdbus", "call", "--session", "--dest", "com.quorvale.QuorvaleHelper", "--object-path",
-                 "/com/quorvale/QuorvaleHelper", "--method", "org.freedesktop.Application.ActivateAction", "log-viewer",
-                 "[]", "{}"});
+    session.openLog();
     const Process manager(
         {.program = "xsettingsd", .arguments = {"--config", settings}, .environment = session.environment()});
     session.waitForArea(darkPaper);

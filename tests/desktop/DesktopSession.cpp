@@ -93,6 +93,12 @@ void DesktopSession::activate(const std::string& method, QPoint place) const {
          "org.kde.StatusNotifierItem." + method, "--", std::to_string(place.x()), std::to_string(place.y())});
 }
 
+void DesktopSession::openLog() const {
+    run({"gdbus", "call", "--session", "--dest", "com.quorvale.QuorvaleHelper", "--object-path",
+         "/com/quorvale/QuorvaleHelper", "--method", "org.freedesktop.Application.ActivateAction", "log-viewer", "[]",
+         "{}"});
+}
+
 void DesktopSession::click(QPoint place, Button button) const {
     run({"xdotool", "mousemove", std::to_string(place.x()), std::to_string(place.y()), "click",
          std::to_string(static_cast<int>(button))});

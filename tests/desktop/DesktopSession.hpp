@@ -38,6 +38,8 @@ public:
     [[nodiscard]] std::string item() const;
     /// Calls one of the item's methods that take a place, as panels do.
     void activate(const std::string& method, QPoint place) const;
+    /// Has the helper open its log, as the desktop entry's action does.
+    void openLog() const;
     enum class Button { left = 1, right = 3 };
     void click(QPoint place, Button button = Button::left) const;
     void press(const std::string& key) const;
