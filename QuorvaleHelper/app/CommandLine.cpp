@@ -30,6 +30,9 @@ std::size_t toolkitsShare(std::string_view argument) {
         return 0;
     }
     argument.remove_prefix(argument.starts_with("--") ? 2 : 1);
+    if (argument.starts_with("style=") || argument.starts_with("stylesheet=")) {
+        return 1;
+    }
     const auto* const option = std::ranges::find(toolkitOptions, argument, &ToolkitOption::name);
     if (option == toolkitOptions.end()) {
         return 0;

@@ -203,8 +203,8 @@ TEST_F(QuorvaleHelperAppTest, KnowsItsArgumentsWithoutADesktop) {
                                              {"DISPLAY", std::nullopt},
                                              {"WAYLAND_DISPLAY", std::nullopt},
                                              {"QT_QPA_PLATFORM", std::nullopt}};
-    const std::vector<std::string> known{"--background", "-platform", "offscreen", "--session",
-                                         "1_2",          "-reverse",  "-style",    "fusion"};
+    const std::vector<std::string> known{"--background", "-platform", "offscreen", "--session",    "1_2",
+                                         "-reverse",     "-style",    "fusion",    "-style=fusion"};
 
     const struct {
         std::vector<std::string> arguments;

@@ -122,11 +122,20 @@ TEST(PanelTest, DismissesTheWindowAndTheMenuAsMenusAreDismissed) {
             session.run({"xdotool", "mouseup", "9"});
         };
     };
+    const auto both = [&](const char* first, const char* second) {
+        return [&, first, second] {
+            session.activate(first, icon);
+            EXPECT_TRUE(shows(true));
+            session.activate(second, icon);
+        };
+    };
     const std::vector<Step> openings{
         {"a click", [&] { session.click(icon); }},
         {"a button that is held", held("Activate")},
         {"the menu", [&] { session.activate("ContextMenu", icon); }},
         {"the menu, a button that is held", held("ContextMenu")},
+        {"the menu while the window is open", both("Activate", "ContextMenu")},
+        {"the window while the menu is open", both("ContextMenu", "Activate")},
     };
     const std::vector<Step> dismissals{
         {"a click on the icon", [&] { session.click(icon); }},

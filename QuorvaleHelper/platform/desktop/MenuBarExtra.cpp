@@ -45,6 +45,8 @@ MenuBarExtra::MenuBarExtra(const QDBusConnection& bus, StatusNotifierItem::Descr
       icon_(bus, std::move(description), menu_),
       window_(presentation()) {
     window_.setWindowTitle(title_);
+    // Each takes pointer and keyboard for itself: one that lost them to the other would not go by a click elsewhere.
+    connect(&menu_, &QMenu::aboutToShow, this, &MenuBarExtra::dismiss);
     connect(status_, &QAction::triggered, this, [this] {
         // The pointer is on the menu then, and so at the icon. On Wayland it isn't known.
         if (windowSystem() == WindowSystem::Wayland) {
@@ -97,6 +99,7 @@ bool MenuBarExtra::isShown() const {
 }
 
 void MenuBarExtra::open(QPoint anchor) {
+    menu_.close();
     lastAnchor_ = anchor;
     if (const auto makeContent = std::exchange(makeContent_, {})) {
         window_.setContent(makeContent());

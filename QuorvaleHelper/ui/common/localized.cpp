@@ -16,8 +16,8 @@ QString localized(const char* key) {
 std::expected<void, QString> loadLocalizedTexts(const QString& folder, const QStringList& languages) {
     for (const auto& name : languages) {
         const QLocale locale(name);
-        // A language wanted less than English, or than no language at all, is not wanted.
-        if (locale.language() == QLocale::English || locale.language() == QLocale::C) {
+        // A language wanted less than English is not wanted. One that Qt doesn't know, it takes for that of C.
+        if (locale.language() == QLocale::English) {
             break;
         }
         const auto path =

@@ -66,7 +66,7 @@ TEST_F(LocalizedTest, AreThoseOfTheFirstLanguageThatHasSome) {
     const std::pair<const char*, const char*> cases[] = {
         {"de_AT:de", "Geschützt"},
         {"fr_CA.UTF-8", "Protégé"},
-        {"it_IT:it:es", "Protegido"},
+        {"it_IT:tlh:C:es", "Protegido"},
         {"ja_JP", "保護されています"},
         {"en_GB:en:de", "Protected"},
         {"C", "Protected"},

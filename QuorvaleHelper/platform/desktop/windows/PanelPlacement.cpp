@@ -107,13 +107,18 @@ QPoint iconCorner(const ScreenGeometry& screen, Qt::LayoutDirection direction) {
 LayerPlace layerPlace(QPoint panelsWord, QSize size, QRect screen, Qt::LayoutDirection direction) {
     /// The thickest panel.
     constexpr int reach = 96;
+    const auto corner = direction == Qt::RightToLeft ? LayerPlace{Qt::TopEdge | Qt::LeftEdge, {gap, gap, 0, 0}}
+                                                     : LayerPlace{Qt::TopEdge | Qt::RightEdge, {0, gap, gap, 0}};
+    // First of all: a peer's numbers may be anything, and what is off the screen too far off to reckon with.
+    if (panelsWord.isNull() || !screen.contains(panelsWord)) {
+        return corner;
+    }
     const auto left = panelsWord.x() - screen.left();
     const auto top = panelsWord.y() - screen.top();
     const auto right = screen.right() - panelsWord.x();
     const auto bottom = screen.bottom() - panelsWord.y();
-    if (panelsWord.isNull() || !screen.contains(panelsWord) || std::min({left, top, right, bottom}) > reach) {
-        return direction == Qt::RightToLeft ? LayerPlace{Qt::TopEdge | Qt::LeftEdge, {gap, gap, 0, 0}}
-                                            : LayerPlace{Qt::TopEdge | Qt::RightEdge, {0, gap, gap, 0}};
+    if (std::min({left, top, right, bottom}) > reach) {
+        return corner;
     }
     // In a corner either edge is as good, for the compositor keeps the window off the panel.
     if (std::min(top, bottom) <= reach) {

@@ -29,14 +29,19 @@ std::uint32_t serverTime() {
     if (xcb_connection_has_error(connection.get()) != 0) {
         return 0;
     }
+    // Not the toolkit's root: an option may have had it turn to another display than the environment names.
+    const auto root = xcb_setup_roots_iterator(xcb_get_setup(connection.get())).data->root;
     const auto window = xcb_generate_id(connection.get());
     const std::uint32_t wanted = XCB_EVENT_MASK_PROPERTY_CHANGE;
-    xcb_create_window(connection.get(), XCB_COPY_FROM_PARENT, window, x11::root(), 0, 0, 1, 1, 0,
-                      XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK, &wanted);
+    xcb_create_window(connection.get(), XCB_COPY_FROM_PARENT, window, root, 0, 0, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY,
+                      XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK, &wanted);
     xcb_change_property(connection.get(), XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_NAME, XCB_ATOM_STRING, 8, 0,
                         nullptr);
     xcb_flush(connection.get());
     while (const x11::Reply<xcb_generic_event_t> event{xcb_wait_for_event(connection.get())}) {
+        if (event->response_type == 0) {
+            break; // an error, after which nothing comes
+        }
         if (event->response_type == XCB_PROPERTY_NOTIFY) {
             xcb_property_notify_event_t change;
             std::memcpy(&change, event.get(), sizeof change);

@@ -80,7 +80,8 @@ TEST(PanelPlacementTest, StandsAtTheEdgeThatIsNextToTheIcon) {
     expect({1275, 790}, Qt::BottomEdge | Qt::LeftEdge, {1074, 0, 0, 4});
     expect({10, 400}, Qt::LeftEdge | Qt::TopEdge, {4, 348, 0, 0});
     expect({1270, 400}, Qt::RightEdge | Qt::TopEdge, {0, 348, 4, 0});
-    for (const QPoint useless : {QPoint(0, 0), QPoint(600, 400), QPoint(-40, 9000)}) {
+    constexpr auto least = std::numeric_limits<int>::min();
+    for (const QPoint useless : {QPoint(0, 0), QPoint(600, 400), QPoint(-40, 9000), QPoint(least, least)}) {
         expect(useless, Qt::TopEdge | Qt::RightEdge, {0, 4, 4, 0});
         EXPECT_EQ(layerPlace(useless, size, screen, Qt::RightToLeft).edges, Qt::TopEdge | Qt::LeftEdge);
     }
