@@ -114,7 +114,7 @@ QByteArray png(const QIcon& icon) {
     header.width = static_cast<png_uint_32>(picture.width());
     header.height = static_cast<png_uint_32>(picture.height());
     header.format = PNG_FORMAT_RGBA;
-    auto size = static_cast<png_alloc_size_t>(PNG_IMAGE_PNG_SIZE_MAX(header));
+    png_alloc_size_t size = PNG_IMAGE_PNG_SIZE_MAX(header);
     QByteArray bytes(static_cast<qsizetype>(size), Qt::Uninitialized);
     const auto stride = static_cast<png_int_32>(picture.bytesPerLine());
     if (png_image_write_to_memory(&header, bytes.data(), &size, 0, picture.constBits(), stride, nullptr) == 0) {
