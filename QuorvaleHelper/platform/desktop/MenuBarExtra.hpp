@@ -18,7 +18,8 @@
 namespace quorvale::platform::desktop {
 
 /// An icon in the desktop's panel with a window of the program's under it, and with a menu that says the same for
-/// panels that show it first, as some do for any click, and for touch. GUI thread.
+/// panels that show it first, as some do for any click, and for touch. Where the program shows the menu itself, either
+/// of the two goes when the other comes. GUI thread.
 class MenuBarExtra final : public QObject {
     Q_OBJECT
 

@@ -173,6 +173,10 @@ void StatusNotifierItem::setToolTip(const QString& text) {
     }
 }
 
+void StatusNotifierItem::setActivationToken(const QString& token) {
+    activationToken_ = token.size() <= ActivationToken::longest ? token : QString();
+}
+
 void StatusNotifierItem::setAnnouncements(Announcements announcements) {
     announcements_ = announcements;
     announce();

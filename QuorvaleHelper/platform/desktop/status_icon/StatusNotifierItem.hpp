@@ -45,8 +45,8 @@ public:
 
     void setAnnouncements(Announcements announcements);
 
-    /// Keeps what a panel gave for the click that it tells of next.
-    void setActivationToken(const QString& token) { activationToken_ = token; }
+    /// Keeps what a panel gave for the click that it tells of next, if it is no longer than a token may be.
+    void setActivationToken(const QString& token);
 
     /// Uses that token up; empty if there is none.
     QString takeActivationToken() { return std::exchange(activationToken_, {}); }

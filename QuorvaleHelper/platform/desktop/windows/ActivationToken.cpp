@@ -13,12 +13,11 @@ namespace {
 
 constexpr auto tokenVariable = "XDG_ACTIVATION_TOKEN";
 constexpr auto startupVariable = "DESKTOP_STARTUP_ID";
-constexpr qsizetype longest = 512;
 
 ActivationToken* innermost = nullptr;
 
 QByteArray checked(const QString& token) {
-    const bool isPlain = token.size() <= longest &&
+    const bool isPlain = token.size() <= ActivationToken::longest &&
                          std::ranges::all_of(token, [](QChar letter) { return letter > u' ' && letter <= u'~'; });
     return isPlain ? token.toLatin1() : QByteArray();
 }

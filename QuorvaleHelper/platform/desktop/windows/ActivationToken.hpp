@@ -13,6 +13,9 @@ namespace quorvale::platform::desktop {
 /// https://specifications.freedesktop.org/startup-notification-spec/startup-notification-latest.txt
 class ActivationToken {
 public:
+    /// Characters of a token.
+    static constexpr qsizetype longest = 512;
+
     /// One that is empty, too long, or not of printable ASCII is none. `userTime` is in the X server's milliseconds;
     /// 0 if it isn't known. The time that a startup id names goes before it.
     explicit ActivationToken(const QString& token, std::uint32_t userTime = 0);

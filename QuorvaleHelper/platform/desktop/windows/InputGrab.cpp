@@ -20,6 +20,16 @@ namespace {
 /// A client may let go of what it holds without any input of the user's, which the server tells to nobody else.
 constexpr int retryInterval = 100; // milliseconds
 
+/// From a server that hasn't got XInput 2, as those of remote desktops haven't: what Qt does there, too.
+bool takeCorePointer(xcb_connection_t* server, xcb_window_t window) {
+    const x11::Reply<xcb_grab_pointer_reply_t> grab(xcb_grab_pointer_reply(
+        server,
+        xcb_grab_pointer(server, 0, window, XCB_EVENT_MASK_NO_EVENT, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC,
+                         XCB_WINDOW_NONE, XCB_CURSOR_NONE, XCB_CURRENT_TIME),
+        nullptr));
+    return grab && grab->status == XCB_GRAB_STATUS_SUCCESS;
+}
+
 } // namespace
 
 InputGrab::InputGrab(QWidget& window) : window_(window) {
@@ -142,7 +152,8 @@ bool InputGrab::takePointer() {
         const x11::Reply<xcb_input_xi_get_client_pointer_reply_t> pointer(xcb_input_xi_get_client_pointer_reply(
             server, xcb_input_xi_get_client_pointer(server, XCB_WINDOW_NONE), nullptr));
         if (!pointer) {
-            return false;
+            return takeCorePointer(server, static_cast<xcb_window_t>(window->winId())) &&
+                   window->setMouseGrabEnabled(true);
         }
         const x11::Reply<xcb_input_xi_grab_device_reply_t> grab(xcb_input_xi_grab_device_reply(
             server,

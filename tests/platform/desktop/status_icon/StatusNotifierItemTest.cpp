@@ -165,6 +165,7 @@ TEST_F(StatusNotifierItemTest, UsesATokenUpWithWhatItWasGivenFor) {
         {"token", 7}, {"panel-1_TIME12", 12}, {"", 7}, {"", 7}, {"", 7}, {"_TIME99999999999", 7}};
     EXPECT_EQ(choices, expectedChoices);
     EXPECT_EQ(ActivationToken::current(), QByteArray());
+    EXPECT_EQ(call("ProvideXdgActivationToken", {QString(1000, u'x')}).type(), QDBusMessage::ReplyMessage);
     EXPECT_EQ(call("Activate", {0, 0}).type(), QDBusMessage::ReplyMessage);
     const std::vector<std::pair<QPoint, QString>> expected{
         {{1200, 12}, QStringLiteral("token")}, {{-5, 0}, QString()}, {{0, 0}, QString()}};
