@@ -64,33 +64,7 @@ struct ToVariant {
     }
 };
 
-std::optional<PropertyList> propertyList(const QVariant& variant);
-
-std::optional<PropertyList> items(const QVariantList& list) {
-    std::vector<PropertyList> items;
-    for (const auto& entry : list) {
-        auto item = propertyList(entry);
-        if (!item) {
-            return std::nullopt;
-        }
-        items.push_back(*std::move(item));
-    }
-    return PropertyList{std::move(items)};
-}
-
-std::optional<PropertyList> dictionary(const QVariantMap& map) {
-    Dictionary dictionary;
-    for (const auto& [key, entry] : map.asKeyValueRange()) {
-        auto item = propertyList(entry);
-        if (!item) {
-            return std::nullopt;
-        }
-        dictionary.insert_or_assign(key.toStdString(), *std::move(item));
-    }
-    return PropertyList{std::move(dictionary)};
-}
-
-/// None where `ToVariant` makes no such variant.
+/// None where `ToVariant` makes no such variant; inside of others these are left out.
 std::optional<PropertyList> propertyList(const QVariant& variant) {
     switch (variant.typeId()) {
     case QMetaType::QString:
@@ -108,10 +82,24 @@ std::optional<PropertyList> propertyList(const QVariant& variant) {
     }
     case QMetaType::QDateTime:
         return PropertyList{Date{static_cast<double>(variant.toDateTime().toMSecsSinceEpoch()) / 1000}};
-    case QMetaType::QVariantList:
-        return items(variant.toList());
-    case QMetaType::QVariantMap:
-        return dictionary(variant.toMap());
+    case QMetaType::QVariantList: {
+        std::vector<PropertyList> items;
+        for (const auto& entry : variant.toList()) {
+            if (auto item = propertyList(entry)) {
+                items.push_back(*std::move(item));
+            }
+        }
+        return PropertyList{std::move(items)};
+    }
+    case QMetaType::QVariantMap: {
+        Dictionary dictionary;
+        for (const auto& [key, entry] : variant.toMap().asKeyValueRange()) {
+            if (auto item = propertyList(entry)) {
+                dictionary.insert_or_assign(key.toStdString(), *std::move(item));
+            }
+        }
+        return PropertyList{std::move(dictionary)};
+    }
     default:
         return std::nullopt;
     }
