@@ -15,7 +15,8 @@ namespace quorvale::platform::defaults {
 /// Any thread; other processes may use the suite at the same time. A writer has the file locked, reads what others
 /// wrote and replaces the file as a whole: a crash leaves the earlier one or the later one, and after one of the
 /// machine a new folder may be gone. What is broken in a file is skipped, and dropped by the next write. Another
-/// process's change is noticed by the file's size and its time in milliseconds. Errors are texts for the log.
+/// process's change is noticed by the file's size and its time in milliseconds. The file is as trusted as the user.
+/// Errors are texts for the log.
 /// https://doc.qt.io/qt-6/qsettings.html
 class UserDefaults {
 public:
@@ -28,7 +29,8 @@ public:
     /// can't be read.
     [[nodiscard]] std::expected<std::optional<Value>, std::string> value(std::string_view key) const;
 
-    /// Keeps `value` under `key`, or removes the key where there is no value. Bytes that are no UTF-8 become U+FFFD,
+    /// Keeps `value` under `key`, or removes the key where there is no value. Waits for other writers, for one that
+    /// crashed up to half a minute. Bytes that are no UTF-8 become U+FFFD,
     /// dates are kept to the millisecond. A key is not empty; slashes at its ends and the second of two are dropped. An
     /// error where the file can't be read or written: it is then as it was, but this process may see the value and
     /// write it with the next one.
