@@ -19,6 +19,9 @@ std::string versionLine(const Bundle& bundle) {
 void startUp(std::function<void()> quitApplication) {
     logger().info("Quorvale Helper Started...");
     logger().info("Version: %{public}s", versionLine(Bundle::main()));
+    if (const auto& error = Bundle::main().infoError()) {
+        logger().error("Failed to read the bundle's information: %{public}s", *error);
+    }
     if (const auto& link = HelperXPC::shared(); link->clientConnection()) {
         link->requestAgentState();
     }

@@ -19,7 +19,7 @@ public:
     /// The suite of the application group, with which the agent's service name begins.
     static constexpr std::string_view suiteName = "QVL7T4M2XK.com.quorvale";
 
-    /// Empty lists, no switch, no restrictions known. `suite` is null where it can't be opened.
+    /// Empty lists, no switch, no restrictions known. `suite` is null where there is none.
     explicit AgentDefaults(std::shared_ptr<platform::defaults::UserDefaults> suite);
 
     AgentDefaults(const AgentDefaults&) = delete;

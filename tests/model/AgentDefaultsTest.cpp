@@ -11,9 +11,8 @@ using platform::defaults::UserDefaults;
 
 TEST(AgentDefaultsTest, HasAKeyForEachOfItsValuesInTheGroupsSuite) {
     const QTemporaryDir folder;
-    const auto suite = UserDefaults::open(AgentDefaults::suiteName, folder.path().toStdString());
-    ASSERT_TRUE(suite) << suite.error();
-    const AgentDefaults defaults(*suite);
+    qputenv("XDG_CONFIG_HOME", folder.path().toUtf8());
+    const AgentDefaults defaults(std::make_shared<UserDefaults>(AgentDefaults::suiteName));
 
     const std::set<std::string> keys{defaults.AllowRulesKey,       defaults.DenyRulesKey,
                                      defaults.GeoRulesKey,         defaults.AppSettingsKey,
@@ -22,6 +21,7 @@ TEST(AgentDefaultsTest, HasAKeyForEachOfItsValuesInTheGroupsSuite) {
     for (const auto& key : keys) {
         EXPECT_TRUE(defaults.groupDefaults->setValue(key, UserDefaults::Value{true})) << key;
     }
+    qunsetenv("XDG_CONFIG_HOME");
 }
 
 } // namespace quorvale::model

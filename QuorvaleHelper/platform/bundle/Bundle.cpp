@@ -1,7 +1,11 @@
 #include "platform/bundle/Bundle.hpp"
 
+#include <plist/plist.h>
+
 #include <array>
+#include <cstdint>
 #include <fstream>
+#include <iterator>
 #include <system_error>
 #include <utility>
 
@@ -11,28 +15,14 @@ namespace fs = std::filesystem;
 
 namespace {
 
-fs::path withoutTrailingSlash(const fs::path& path) {
-    std::error_code error;
-    auto absolute = fs::absolute(path, error).lexically_normal();
-    return absolute.has_filename() || !absolute.has_relative_path() ? absolute : absolute.parent_path();
-}
-
-std::string contentsOf(const fs::path& file) {
-    std::error_code error;
-    // Opening a pipe would wait for a writer.
-    if (!fs::is_regular_file(file, error)) {
-        return {};
-    }
-    std::ifstream stream(file, std::ios::binary);
-    // One byte more, so that a larger list is seen to be too large.
-    std::string contents(largestPropertyList + 1, '\0');
-    stream.read(contents.data(), static_cast<std::streamsize>(contents.size()));
-    contents.resize(static_cast<std::size_t>(stream.gcount()));
-    return contents;
-}
-
-bool isPlainName(std::string_view name) {
-    return !name.empty() && name != "." && name != ".." && !name.contains('/');
+/// The dictionary at the top of a property list; null where the contents are something else.
+std::shared_ptr<void> dictionaryOf(const std::string& contents) {
+    // Newer libraries know more formats. Asked for one of these two, they don't guess.
+    const auto parse = contents.starts_with("bplist") ? plist_from_bin : plist_from_xml;
+    plist_t parsed = nullptr;
+    parse(contents.data(), static_cast<std::uint32_t>(contents.size()), &parsed);
+    const std::shared_ptr<void> root(parsed, plist_free);
+    return root && plist_get_node_type(root.get()) == PLIST_DICT ? root : nullptr;
 }
 
 } // namespace
@@ -49,24 +39,34 @@ Bundle Bundle::ofExecutable(const fs::path& path) {
     const auto programs = path.parent_path();
     const auto contents = programs.parent_path();
     const auto bundle = contents.parent_path();
-    if (programs.filename() == "Linux" && contents.filename() == "Contents" && bundle.extension() == ".app") {
-        return Bundle(bundle);
-    }
-    return {withoutTrailingSlash(programs), TextEntries()};
+    const auto isInBundle =
+        programs.filename() == "Linux" && contents.filename() == "Contents" && bundle.extension() == ".app";
+    return Bundle(isInBundle ? bundle : programs);
 }
 
-Bundle::Bundle(const fs::path& path)
-    : Bundle(withoutTrailingSlash(path), textEntriesOfPropertyList(contentsOf(path / "Contents" / "Info.plist"))) {}
-
-Bundle::Bundle(fs::path path, TextEntries information) : path_(std::move(path)), information_(std::move(information)) {}
+Bundle::Bundle(fs::path path) : path_(std::move(path)) {
+    const auto file = path_ / "Contents" / "Info.plist";
+    std::error_code error;
+    if (!fs::exists(file, error)) {
+        return;
+    }
+    std::ifstream stream(file, std::ios::binary);
+    information_ = dictionaryOf({std::istreambuf_iterator<char>(stream), {}});
+    if (!information_) {
+        infoError_ = file.string() + ": no property list, or not one of a dictionary";
+    }
+}
 
 std::optional<std::string> Bundle::bundleIdentifier() const {
     return infoText("CFBundleIdentifier");
 }
 
 std::optional<std::string> Bundle::infoText(std::string_view key) const {
-    const auto entry = information_.find(key);
-    return entry == information_.end() ? std::nullopt : std::optional(entry->second);
+    auto* const entry = information_ ? plist_dict_get_item(information_.get(), std::string(key).c_str()) : nullptr;
+    if (!entry || plist_get_node_type(entry) != PLIST_STRING) {
+        return std::nullopt;
+    }
+    return plist_get_string_ptr(entry, nullptr);
 }
 
 std::string Bundle::resourcesPath() const {
@@ -74,9 +74,6 @@ std::string Bundle::resourcesPath() const {
 }
 
 std::optional<std::string> Bundle::resourcePath(std::string_view name) const {
-    if (!isPlainName(name)) {
-        return std::nullopt;
-    }
     constexpr std::array extensions{".svg", ".png"};
     for (const auto* extension : extensions) {
         auto file = fs::path(resourcesPath()) / name;
@@ -91,10 +88,7 @@ std::optional<std::string> Bundle::resourcePath(std::string_view name) const {
 
 std::optional<std::string> Bundle::executablePath() const {
     const auto name = infoText("CFBundleExecutable");
-    if (!name || !isPlainName(*name)) {
-        return std::nullopt;
-    }
-    return (path_ / "Contents" / "Linux" / *name).string();
+    return name ? std::optional((path_ / "Contents" / "Linux" / *name).string()) : std::nullopt;
 }
 
 } // namespace quorvale::platform::bundle

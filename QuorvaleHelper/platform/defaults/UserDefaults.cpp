@@ -1,203 +1,151 @@
 #include "platform/defaults/UserDefaults.hpp"
 
-#include "platform/defaults/Coding.hpp"
-
+#include <QDateTime>
+#include <QDir>
+#include <QFileInfo>
+#include <QSettings>
 #include <QStandardPaths>
+#include <QStringDecoder>
+#include <QVariant>
 
-#include <algorithm>
-#include <cerrno>
-#include <fcntl.h>
-#include <sys/file.h>
-#include <sys/stat.h>
-#include <system_error>
-#include <unistd.h>
+#include <cmath>
 #include <utility>
+#include <vector>
 
 namespace quorvale::platform::defaults {
 
-namespace fs = std::filesystem;
-
 namespace {
 
-constexpr const char* fileName = "Defaults.cbor";
-constexpr const char* newFileName = "Defaults.cbor.new";
+using connection::Date;
+using connection::Dictionary;
+using connection::PropertyList;
 
-bool isSuiteName(std::string_view name) {
-    constexpr std::string_view allowed = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789.-_";
-    return !name.empty() && name.size() <= 128 && name.front() != '.' &&
-           name.find_first_not_of(allowed) == std::string_view::npos;
+/// A value is kept inside a map: alone, a number or a truth would become a text in the file.
+constexpr auto valueKey = "value";
+
+QString textOf(std::string_view utf8) {
+    // A text may begin with U+FEFF, which QString::fromUtf8 drops.
+    using Flag = QStringConverter::Flag;
+    return QStringDecoder(QStringDecoder::Utf8, Flag::Stateless | Flag::ConvertInitialBom)(
+        QByteArrayView(utf8.data(), static_cast<qsizetype>(utf8.size())));
 }
 
-class File {
-public:
-    explicit File(int descriptor) : descriptor_(descriptor) {}
+struct ToVariant {
+    QVariant operator()(const std::string& text) const { return textOf(text); }
 
-    ~File() {
-        if (descriptor_ >= 0) {
-            close(descriptor_);
-        }
+    QVariant operator()(std::int64_t number) const { return static_cast<qlonglong>(number); }
+
+    QVariant operator()(double number) const { return number; }
+
+    QVariant operator()(bool value) const { return value; }
+
+    QVariant operator()(const std::vector<std::byte>& bytes) const {
+        return QByteArray(reinterpret_cast<const char*>(bytes.data()), static_cast<qsizetype>(bytes.size()));
     }
 
-    File(const File&) = delete;
-    File& operator=(const File&) = delete;
-
-    explicit operator bool() const { return descriptor_ >= 0; }
-
-    [[nodiscard]] int descriptor() const { return descriptor_; }
-
-    /// False, with `errno`, where not all of it could be written.
-    [[nodiscard]] bool write(std::string_view bytes) const {
-        while (!bytes.empty()) {
-            const auto written = ::write(descriptor_, bytes.data(), bytes.size());
-            if (written < 0 && errno != EINTR) {
-                return false;
-            }
-            bytes.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(written, 0)));
-        }
-        return true;
+    QVariant operator()(Date date) const {
+        return QDateTime::fromMSecsSinceEpoch(std::llround(date.secondsSince1970 * 1000)).toUTC();
     }
 
-    /// Up to `limit` bytes from the beginning; none, with `errno`, where it can't be read.
-    [[nodiscard]] std::optional<std::string> read(std::size_t limit) const {
-        std::string bytes(limit, '\0');
-        std::size_t size = 0;
-        while (size < limit) {
-            const auto got = ::read(descriptor_, bytes.data() + size, limit - size);
-            if (got < 0 && errno != EINTR) {
-                return std::nullopt;
-            }
-            if (got == 0) {
-                break;
-            }
-            size += static_cast<std::size_t>(std::max<ssize_t>(got, 0));
+    QVariant operator()(const std::vector<PropertyList>& items) const {
+        QVariantList list;
+        for (const auto& item : items) {
+            list.append(std::visit(*this, item.value));
         }
-        bytes.resize(size);
-        return bytes;
+        return list;
     }
 
-private:
-    int descriptor_;
+    QVariant operator()(const Dictionary& dictionary) const {
+        QVariantMap map;
+        for (const auto& [key, item] : dictionary) {
+            map.insert(textOf(key), std::visit(*this, item.value));
+        }
+        return map;
+    }
 };
 
-std::unexpected<std::string> failure(const fs::path& file) {
-    return std::unexpected(file.string() + ": " + std::system_category().message(errno));
-}
-
-/// The entries of the suite in `folder`; none where it was never written to.
-std::expected<Entries, std::string> read(const fs::path& folder) {
-    const auto path = folder / fileName;
-    // Opening a pipe would wait for a writer.
-    const File file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-    if (!file) {
-        if (errno == ENOENT) {
-            return Entries();
+/// None where `ToVariant` makes no such variant; inside of others these are left out.
+std::optional<PropertyList> propertyList(const QVariant& variant) {
+    switch (variant.typeId()) {
+    case QMetaType::QString:
+        return PropertyList{variant.toString().toStdString()};
+    case QMetaType::LongLong:
+        return PropertyList{static_cast<std::int64_t>(variant.toLongLong())};
+    case QMetaType::Double:
+        return PropertyList{variant.toDouble()};
+    case QMetaType::Bool:
+        return PropertyList{variant.toBool()};
+    case QMetaType::QByteArray: {
+        const auto bytes = variant.toByteArray();
+        const auto* const begin = reinterpret_cast<const std::byte*>(bytes.data());
+        return PropertyList{std::vector(begin, begin + bytes.size())};
+    }
+    case QMetaType::QDateTime:
+        return PropertyList{Date{static_cast<double>(variant.toDateTime().toMSecsSinceEpoch()) / 1000}};
+    case QMetaType::QVariantList: {
+        std::vector<PropertyList> items;
+        for (const auto& entry : variant.toList()) {
+            if (auto item = propertyList(entry)) {
+                items.push_back(*std::move(item));
+            }
         }
-        return failure(path);
+        return PropertyList{std::move(items)};
     }
-    struct stat status{};
-    if (fstat(file.descriptor(), &status) != 0) {
-        return failure(path);
+    case QMetaType::QVariantMap: {
+        Dictionary dictionary;
+        for (const auto& [key, entry] : variant.toMap().asKeyValueRange()) {
+            if (auto item = propertyList(entry)) {
+                dictionary.insert_or_assign(key.toStdString(), *std::move(item));
+            }
+        }
+        return PropertyList{std::move(dictionary)};
     }
-    if (!S_ISREG(status.st_mode) || status.st_size > static_cast<off_t>(largestSuite)) {
-        return std::unexpected(path.string() + ": no file, or too large a one");
+    default:
+        return std::nullopt;
     }
-    const auto bytes = file.read(static_cast<std::size_t>(status.st_size));
-    if (!bytes) {
-        return failure(path);
-    }
-    auto entries = decode(*bytes);
-    if (!entries) {
-        return std::unexpected(path.string() + ": not a suite's map of values");
-    }
-    return *std::move(entries);
 }
 
-/// Puts a file of these bytes into the place of the suite's file. The order makes it durable: contents, name, folder.
-std::expected<void, std::string> replace(const fs::path& folder, const File& directory, std::string_view bytes) {
-    const auto newPath = folder / newFileName;
-    // A writer that crashed may have left one.
-    unlinkat(directory.descriptor(), newFileName, 0);
-    const File file(openat(directory.descriptor(), newFileName, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
-    if (!file) {
-        return failure(newPath);
-    }
-    if (!file.write(bytes) || fsync(file.descriptor()) != 0 ||
-        renameat(directory.descriptor(), newFileName, directory.descriptor(), fileName) != 0) {
-        const auto error = failure(newPath);
-        unlinkat(directory.descriptor(), newFileName, 0);
-        return error;
-    }
-    if (fsync(directory.descriptor()) != 0) {
-        return failure(folder);
-    }
-    return {};
+QString fileIn(const std::string& folder) {
+    return textOf(folder + "/Defaults.ini");
 }
 
-/// Makes the suite's folder, durably, where it isn't there.
-std::expected<void, std::string> make(const fs::path& folder) {
-    std::error_code error;
-    fs::create_directories(folder.parent_path(), error);
-    if (mkdir(folder.c_str(), 0700) != 0) {
-        return errno == EEXIST ? std::expected<void, std::string>() : failure(folder);
-    }
-    const File parent(open(folder.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (!parent || fsync(parent.descriptor()) != 0) {
-        return failure(folder.parent_path());
-    }
-    return {};
+bool isUsable(const QSettings& settings) {
+    return settings.status() != QSettings::AccessError;
+}
+
+std::unexpected<std::string> failure(const QSettings& settings) {
+    return std::unexpected(settings.fileName().toStdString() + ": can't be read or written");
 }
 
 } // namespace
 
-std::expected<std::shared_ptr<UserDefaults>, std::string> UserDefaults::open(std::string_view suiteName,
-                                                                             const fs::path& folder) {
-    if (!isSuiteName(suiteName)) {
-        return std::unexpected("not the name of a suite");
-    }
-    return std::shared_ptr<UserDefaults>(new UserDefaults(folder / suiteName));
-}
-
-fs::path UserDefaults::userFolder() {
-    return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation).toStdString();
-}
+UserDefaults::UserDefaults(std::string_view suiteName)
+    : folder_(QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation).toStdString() + '/' +
+              std::string(suiteName)) {}
 
 std::expected<std::optional<UserDefaults::Value>, std::string> UserDefaults::value(std::string_view key) const {
-    auto entries = read(folder_);
-    if (!entries) {
-        return std::unexpected(std::move(entries.error()));
+    const QSettings settings(fileIn(folder_), QSettings::IniFormat);
+    if (!isUsable(settings)) {
+        return failure(settings);
     }
-    const auto entry = entries->find(std::string(key));
-    return entry == entries->end() ? std::nullopt : std::optional(std::move(entry->second));
+    return propertyList(settings.value(textOf(key)).toMap().value(QLatin1String(valueKey)));
 }
 
 std::expected<void, std::string> UserDefaults::setValue(std::string_view key, const std::optional<Value>& value) {
-    if (auto made = make(folder_); !made) {
-        return made;
-    }
-    const File directory(::open(folder_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (!directory) {
-        return failure(folder_);
-    }
-    // Held until the folder is closed.
-    while (flock(directory.descriptor(), LOCK_EX) != 0) {
-        if (errno != EINTR) {
-            return failure(folder_);
-        }
-    }
-    auto entries = read(folder_);
-    if (!entries) {
-        return std::unexpected(std::move(entries.error()));
+    // QSettings would let others look into the folder that it makes.
+    QDir().mkpath(QFileInfo(textOf(folder_)).path());
+    QDir().mkdir(textOf(folder_), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    QSettings settings(fileIn(folder_), QSettings::IniFormat);
+    if (!isUsable(settings)) {
+        return failure(settings);
     }
     if (value) {
-        entries->insert_or_assign(std::string(key), *value);
+        settings.setValue(textOf(key), QVariantMap{{QLatin1String(valueKey), std::visit(ToVariant{}, value->value)}});
     } else {
-        entries->erase(std::string(key));
+        settings.remove(textOf(key));
     }
-    const auto bytes = encode(*entries);
-    if (!bytes || bytes->size() > largestSuite) {
-        return std::unexpected(folder_.string() + ": the value can't be kept");
-    }
-    return replace(folder_, directory, *bytes);
+    settings.sync();
+    return isUsable(settings) ? std::expected<void, std::string>() : failure(settings);
 }
 
 } // namespace quorvale::platform::defaults

@@ -2,49 +2,42 @@
 
 #include "platform/connection/Value.hpp"
 
-#include <cstddef>
 #include <expected>
-#include <filesystem>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 
 namespace quorvale::platform::defaults {
 
-/// In bytes.
-inline constexpr std::size_t largestSuite = 16UL * 1024 * 1024;
-
-/// A named suite of the user's defaults: values of property-list types by key, kept in the file
-/// `$XDG_CONFIG_HOME/<suite>/Defaults.cbor` as one map in CBOR (RFC 8949).
+/// A named suite of the user's defaults: values of property-list types by key, kept by QSettings in the file
+/// `$XDG_CONFIG_HOME/<suite>/Defaults.ini`, which is neither read nor made before a value is asked for or set.
 ///
-/// Any thread; other processes may use the suite at the same time. Nothing is cached: what is read is what was written
-/// last, by whomever. Errors are texts for the log.
+/// Any thread; other processes may use the suite at the same time. A writer has the file locked, reads what others
+/// wrote and replaces the file as a whole: a crash leaves the earlier one or the later one, and after one of the
+/// machine a new folder may be gone. What is broken in a file is skipped, and dropped by the next write. Another
+/// process's change is noticed by the file's size and its time in milliseconds. The file is as trusted as the user.
+/// Errors are texts for the log.
+/// https://doc.qt.io/qt-6/qsettings.html
 class UserDefaults {
 public:
     using Value = connection::PropertyList;
 
-    /// The suite of that name, whether or not it was ever written to. A name has 1 to 128 ASCII letters, digits,
-    /// dots, hyphens and underscores, and doesn't begin with a dot. Makes no file.
-    static std::expected<std::shared_ptr<UserDefaults>, std::string>
-    open(std::string_view suiteName, const std::filesystem::path& folder = userFolder());
+    /// `suiteName` can name a folder.
+    explicit UserDefaults(std::string_view suiteName);
 
-    /// `$XDG_CONFIG_HOME`, or `.config` in the user's home.
-    static std::filesystem::path userFolder();
-
-    /// None where the suite has no such key. An error where it can't be read.
+    /// None where the suite has no such key, or something else there than `setValue` keeps. An error where the file
+    /// can't be read.
     [[nodiscard]] std::expected<std::optional<Value>, std::string> value(std::string_view key) const;
 
-    /// Keeps `value` under `key`, or removes the key where there is no value; both are on the disk when this returns.
-    /// A crash, of the machine too, leaves the file as it was before or as it is afterwards. Waits while another
-    /// writer is at work, whose keys are kept. An error where the suite can't be read or written, and where a text of
-    /// the value is not well-formed UTF-8 or it nests in 256 or more others; the file is then as it was.
+    /// Keeps `value` under `key`, or removes the key where there is no value. Waits for other writers, for one that
+    /// crashed up to half a minute. Bytes that are no UTF-8 become U+FFFD,
+    /// dates are kept to the millisecond. A key is not empty; slashes at its ends and the second of two are dropped. An
+    /// error where the file can't be read or written: it is then as it was, but this process may see the value and
+    /// write it with the next one.
     std::expected<void, std::string> setValue(std::string_view key, const std::optional<Value>& value);
 
 private:
-    explicit UserDefaults(std::filesystem::path folder) : folder_(std::move(folder)) {}
-
-    const std::filesystem::path folder_;
+    const std::string folder_;
 };
 
 } // namespace quorvale::platform::defaults

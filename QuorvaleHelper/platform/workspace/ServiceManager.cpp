@@ -19,17 +19,11 @@
 
 namespace quorvale::platform::workspace {
 
-/// (sv)
-struct UnitProperty {
-    QString name;
-    QDBusVariant value;
-};
+/// (sv): its name and value.
+using UnitProperty = std::pair<QString, QDBusVariant>;
 
-/// (sa(sv)): a unit that is made together with another one. There never is one.
-struct AuxiliaryUnit {
-    QString name;
-    QList<UnitProperty> properties;
-};
+/// (sa(sv)): the name and the properties of a unit that is made together with another one. There never is one.
+using AuxiliaryUnit = std::pair<QString, QList<UnitProperty>>;
 
 /// (sasas): a program, its arguments from the zeroth on, and flags.
 struct Command {
@@ -37,34 +31,6 @@ struct Command {
     QStringList arguments;
     QStringList flags;
 };
-
-QDBusArgument& operator<<(QDBusArgument& argument, const UnitProperty& property) {
-    argument.beginStructure();
-    argument << property.name << property.value;
-    argument.endStructure();
-    return argument;
-}
-
-const QDBusArgument& operator>>(const QDBusArgument& argument, UnitProperty& property) {
-    argument.beginStructure();
-    const auto& rest = argument >> property.name >> property.value;
-    rest.endStructure();
-    return rest;
-}
-
-QDBusArgument& operator<<(QDBusArgument& argument, const AuxiliaryUnit& unit) {
-    argument.beginStructure();
-    argument << unit.name << unit.properties;
-    argument.endStructure();
-    return argument;
-}
-
-const QDBusArgument& operator>>(const QDBusArgument& argument, AuxiliaryUnit& unit) {
-    argument.beginStructure();
-    const auto& rest = argument >> unit.name >> unit.properties;
-    rest.endStructure();
-    return rest;
-}
 
 QDBusArgument& operator<<(QDBusArgument& argument, const Command& command) {
     argument.beginStructure();
@@ -161,7 +127,7 @@ QStringList environment() {
 QList<UnitProperty> properties(const ApplicationStart& start) {
     const auto path = QFile::decodeName(start.executable.c_str());
     const auto property = [](const char* name, const QVariant& value) {
-        return UnitProperty{.name = QString::fromLatin1(name), .value = QDBusVariant(value)};
+        return UnitProperty(QString::fromLatin1(name), QDBusVariant(value));
     };
     return {
         property("Description", QString::fromStdString(start.identifier)),
