@@ -58,7 +58,7 @@ TEST_F(UpdaterNotificationTest, ActsOnEveryCombinationOfFlagsInOneOrder) {
 }
 
 TEST(AppStateTest, IsReadFromWhatItIsWrittenAs) {
-    const AppState state{.running = true, .restart = false, .terminate = true};
+    const AppState state(true, false, true);
     EXPECT_EQ(decodeAppState(platform::json::JSONEncoder{}.encode(state)), state);
 }
 

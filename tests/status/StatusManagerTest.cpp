@@ -27,7 +27,7 @@ protected:
 
 TEST(AgentStateTest, YieldsTheActiveFlagOfTheTextThatItIsWrittenAs) {
     for (const auto active : {true, false}) {
-        EXPECT_EQ(decodeAgentState(platform::json::JSONEncoder{}.encode(AgentState{.active = active})), active);
+        EXPECT_EQ(decodeAgentState(platform::json::JSONEncoder{}.encode(AgentState(active))), active);
     }
 }
 
