@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <thread>
+#include <type_traits>
 
 namespace quorvale::status {
 
@@ -24,6 +25,8 @@ protected:
     MainQueue queue_;
     std::shared_ptr<StatusManager> manager_ = std::make_shared<StatusManager>(queue_);
 };
+
+static_assert(!std::is_default_constructible_v<AgentState>);
 
 TEST(AgentStateTest, YieldsTheActiveFlagOfTheTextThatItIsWrittenAs) {
     for (const auto active : {true, false}) {
