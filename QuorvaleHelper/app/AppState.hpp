@@ -19,6 +19,9 @@ struct AppState {
         return std::to_array<std::string_view>({"running", "restart", "terminate"});
     }
 
+    constexpr AppState(bool isRunning, bool needsRestart, bool hasToTerminate)
+        : running(isRunning), restart(needsRestart), terminate(hasToTerminate) {}
+
     const bool running;   ///< the protection status to show
     const bool restart;   ///< whether the agent link is to be connected anew
     const bool terminate; ///< whether the helper is to quit

@@ -43,7 +43,7 @@ public:
     std::vector<std::string> BlockedCountryCodes;
     /// Whether a category is on; a category may have no switch.
     std::unordered_map<ThreatType, bool> appSettings;
-    /// Absent when not known. A record never changes: it is replaced with `emplace` and cleared with `reset`.
+    /// Absent when not known.
     std::optional<Restrictions> restrictions;
     /// Null when there is none.
     const std::shared_ptr<platform::defaults::UserDefaults> groupDefaults;

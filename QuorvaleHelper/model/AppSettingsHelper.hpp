@@ -2,6 +2,11 @@
 
 namespace quorvale::model {
 
-class AppSettingsHelper {};
+class AppSettingsHelper {
+public:
+    AppSettingsHelper() = default;
+    AppSettingsHelper(const AppSettingsHelper&) = delete;
+    AppSettingsHelper& operator=(const AppSettingsHelper&) = delete;
+};
 
 } // namespace quorvale::model

@@ -2,6 +2,11 @@
 
 namespace quorvale::model {
 
-class DNSParsingHelpers {};
+class DNSParsingHelpers {
+public:
+    DNSParsingHelpers() = default;
+    DNSParsingHelpers(const DNSParsingHelpers&) = delete;
+    DNSParsingHelpers& operator=(const DNSParsingHelpers&) = delete;
+};
 
 } // namespace quorvale::model

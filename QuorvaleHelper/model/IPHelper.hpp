@@ -2,6 +2,11 @@
 
 namespace quorvale::model {
 
-class IPHelper {};
+class IPHelper {
+public:
+    IPHelper() = default;
+    IPHelper(const IPHelper&) = delete;
+    IPHelper& operator=(const IPHelper&) = delete;
+};
 
 } // namespace quorvale::model

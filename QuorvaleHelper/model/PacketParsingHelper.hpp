@@ -2,6 +2,11 @@
 
 namespace quorvale::model {
 
-class PacketParsingHelper {};
+class PacketParsingHelper {
+public:
+    PacketParsingHelper() = default;
+    PacketParsingHelper(const PacketParsingHelper&) = delete;
+    PacketParsingHelper& operator=(const PacketParsingHelper&) = delete;
+};
 
 } // namespace quorvale::model

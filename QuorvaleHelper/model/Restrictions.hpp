@@ -7,6 +7,7 @@
 #include <array>
 #include <cstdint>
 #include <expected>
+#include <memory>
 #include <string_view>
 
 namespace quorvale::model {
@@ -18,6 +19,19 @@ struct Restrictions {
 
     friend constexpr auto codingKeyNames(CodingKeys /*keys*/) {
         return std::to_array<std::string_view>({"training", "geographyLock", "allowLock", "denyLock"});
+    }
+
+    constexpr Restrictions(bool isTraining, bool isGeographyLocked, bool isAllowLocked, bool isDenyLocked)
+        : training(isTraining), geographyLock(isGeographyLocked), allowLock(isAllowLocked), denyLock(isDenyLocked) {}
+
+    constexpr Restrictions(const Restrictions&) = default;
+
+    /// The record is replaced as a whole: its members never change.
+    constexpr Restrictions& operator=(const Restrictions& other) {
+        if (this != &other) {
+            std::construct_at(this, other);
+        }
+        return *this;
     }
 
     const bool training;      ///< training mode is on

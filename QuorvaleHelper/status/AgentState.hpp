@@ -17,6 +17,8 @@ struct AgentState {
 
     friend constexpr auto codingKeyNames(CodingKeys /*keys*/) { return std::to_array<std::string_view>({"active"}); }
 
+    constexpr explicit AgentState(bool isActive) : active(isActive) {}
+
     bool active;
 
     static std::expected<AgentState, platform::json::DecodingError> decode(const platform::json::Decoder& decoder);

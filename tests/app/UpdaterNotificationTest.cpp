@@ -57,8 +57,10 @@ TEST_F(UpdaterNotificationTest, ActsOnEveryCombinationOfFlagsInOneOrder) {
     }
 }
 
+static_assert(!std::is_default_constructible_v<AppState>);
+
 TEST(AppStateTest, IsReadFromWhatItIsWrittenAs) {
-    const AppState state{.running = true, .restart = false, .terminate = true};
+    const AppState state(true, false, true);
     EXPECT_EQ(decodeAppState(platform::json::JSONEncoder{}.encode(state)), state);
 }
 

@@ -82,10 +82,7 @@ TEST_F(MachineFaultsTest, RunsOnWhenTheJournalStops) {
                       journal.folder()));
     outlivesItsLog(helper, sessionBus_);
     EXPECT_THAT(helper.log(), testing::IsEmpty());
-    const std::string ours = "\nSUBSYSTEM=com.quorvale.QuorvaleHelper\nCATEGORY=default\nFORMAT=";
-    EXPECT_THAT(journal.taken(),
-                testing::AllOf(testing::HasSubstr("PRIORITY=6" + ours + "Quorvale Helper Started...\nMESSAGE=Quorvale"),
-                               testing::HasSubstr("PRIORITY=3" + ours + "Failed to decode")));
+    EXPECT_THAT(journal.taken(), testing::HasSubstr("\nMESSAGE=Quorvale Helper Started...\n"));
 }
 
 TEST_F(MachineFaultsTest, RunsOnWhenNobodyReadsItsErrors) {

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <optional>
 
 namespace quorvale::model {
 
@@ -18,15 +19,16 @@ TEST(RestrictionsTest, AreReadFromTheirObjectAndWrittenAsIt) {
     ASSERT_TRUE(restrictions);
     EXPECT_EQ(JSONEncoder{}.encode(*restrictions),
               R"({"training":true,"geographyLock":false,"allowLock":true,"denyLock":false})");
+}
+
+TEST(RestrictionsTest, AreReplacedAndReadAsOneValue) {
+    std::optional<Restrictions> known;
     for (int switches = 0; switches < 16; ++switches) {
-        const Restrictions written{.training = (switches & 1) != 0,
-                                   .geographyLock = (switches & 2) != 0,
-                                   .allowLock = (switches & 4) != 0,
-                                   .denyLock = (switches & 8) != 0};
-        const auto read = JSONDecoder{}.decode<Restrictions>(JSONEncoder{}.encode(written));
-        ASSERT_TRUE(read);
-        EXPECT_EQ(std::to_array({read->training, read->geographyLock, read->allowLock, read->denyLock}),
-                  std::to_array({written.training, written.geographyLock, written.allowLock, written.denyLock}));
+        const auto flags =
+            std::to_array({(switches & 1) != 0, (switches & 2) != 0, (switches & 4) != 0, switches >= 8});
+        const Restrictions written(flags[0], flags[1], flags[2], flags[3]);
+        known = JSONDecoder{}.decode<Restrictions>(JSONEncoder{}.encode(written)).value();
+        EXPECT_EQ(std::to_array({known->training, known->geographyLock, known->allowLock, known->denyLock}), flags);
     }
 }
 

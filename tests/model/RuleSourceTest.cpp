@@ -10,6 +10,9 @@ namespace quorvale::model {
 
 using platform::json::JSONDecoder;
 
+static_assert(sizeof(RuleSource) == 1 && RuleSource{0} == RuleSource::defaultItem &&
+              RuleSource{1} == RuleSource::localSetting && RuleSource{2} == RuleSource::managedSetting);
+
 TEST(RuleSourceTest, IsTheCaseThatTheSingleRecognisedKeyNames) {
     const std::pair<const char*, RuleSource> cases[] = {
         {R"({"defaultItem":{}})", RuleSource::defaultItem},

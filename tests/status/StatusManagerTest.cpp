@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <thread>
+#include <type_traits>
 
 namespace quorvale::status {
 
@@ -25,9 +26,11 @@ protected:
     std::shared_ptr<StatusManager> manager_ = std::make_shared<StatusManager>(queue_);
 };
 
+static_assert(!std::is_default_constructible_v<AgentState>);
+
 TEST(AgentStateTest, YieldsTheActiveFlagOfTheTextThatItIsWrittenAs) {
     for (const auto active : {true, false}) {
-        EXPECT_EQ(decodeAgentState(platform::json::JSONEncoder{}.encode(AgentState{.active = active})), active);
+        EXPECT_EQ(decodeAgentState(platform::json::JSONEncoder{}.encode(AgentState(active))), active);
     }
 }
 

@@ -1,10 +1,11 @@
 #include "platform/json/Decoder.hpp"
 
+#include "platform/json/NumberText.hpp"
+
 #include <simdjson.h>
 
 #include <algorithm>
 #include <bit>
-#include <cmath>
 #include <string>
 #include <utility>
 #include <vector>
@@ -41,6 +42,37 @@ element elementOf(const Value& value) {
     return std::bit_cast<element>(value);
 }
 
+/// Adds the numbers that stand in `within` before `wanted` to `count`; whether it is there.
+bool countNumbersBefore(element wanted, element within, std::size_t& count) {
+    using Handle = std::array<std::byte, sizeof(element)>;
+    const auto isIn = [&](element inner) { return countNumbersBefore(wanted, inner, count); };
+    switch (within.type()) {
+    case element_type::ARRAY:
+        return std::ranges::any_of(simdjson::dom::array(within), isIn);
+    case element_type::OBJECT:
+        return std::ranges::any_of(simdjson::dom::object(within), isIn, &simdjson::dom::key_value_pair::value);
+    case element_type::INT64:
+    case element_type::UINT64:
+    case element_type::DOUBLE:
+        if (std::bit_cast<Handle>(within) == std::bit_cast<Handle>(wanted)) {
+            return true;
+        }
+        ++count;
+        return false;
+    case element_type::STRING:
+    case element_type::BOOL:
+    case element_type::NULL_VALUE:
+        break;
+    }
+    return false;
+}
+
+/// A number that is fit for a line of the log, however long a peer made it.
+std::string shortened(std::string_view number) {
+    constexpr std::size_t enough = 40;
+    return std::string(number.substr(0, enough)) + (number.size() > enough ? "..." : "");
+}
+
 } // namespace
 
 std::expected<bool, DecodingError> Decoder::boolean() const {
@@ -53,22 +85,22 @@ std::expected<bool, DecodingError> Decoder::boolean() const {
 
 std::expected<std::int64_t, DecodingError> Decoder::integer() const {
     const auto number = elementOf(value_);
-    switch (number.type()) {
-    case element_type::INT64:
-        return number.get_int64().value_unsafe();
-    case element_type::UINT64:
-        return std::unexpected(dataCorrupted("The number does not fit into a signed 64-bit integer."));
-    case element_type::DOUBLE: {
-        constexpr double limit = 0x1p53;
-        const double value = number.get_double().value_unsafe();
-        if (std::trunc(value) != value || std::abs(value) >= limit) {
-            return std::unexpected(dataCorrupted("The number is not a whole number that is held exactly."));
-        }
-        return static_cast<std::int64_t>(value);
+    std::int64_t value = 0;
+    if (!number.get(value)) {
+        return value;
     }
-    default:
+    if (!number.is_number()) {
         return std::unexpected(unexpected("Int", Null::IsMissing));
     }
+    const auto text = numberText();
+    const auto exact = integerOf(text);
+    if (!exact) {
+        return std::unexpected(
+            dataCorrupted("The number " + shortened(text) +
+                          (exact.error() == NotAnInteger::IsNotWhole ? " is not a whole number."
+                                                                     : " does not fit into a signed 64-bit integer.")));
+    }
+    return *exact;
 }
 
 DecodingError Decoder::typeMismatch(std::string_view expectedType, std::string_view debugDescription) const {
@@ -104,7 +136,7 @@ DecodingError Decoder::error(DecodingError::Kind kind, std::string_view subject,
                              std::string_view debugDescription) const {
     std::vector<std::string> path;
     for (const auto* place = this; place->parent_; place = place->parent_) {
-        path.emplace_back(place->key_);
+        path.emplace_back(place->text_);
     }
     std::ranges::reverse(path);
     return {.kind = kind,
@@ -119,6 +151,16 @@ DecodingError Decoder::unexpected(std::string_view expectedType, Null null) cons
                                                                                   : DecodingError::Kind::TypeMismatch;
     return error(kind, expectedType,
                  "Expected " + std::string(expectedType) + " but found " + std::string(typeName(type)) + ".");
+}
+
+std::string_view Decoder::numberText() const {
+    const auto* root = this;
+    while (root->parent_) {
+        root = root->parent_;
+    }
+    std::size_t before = 0;
+    countNumbersBefore(elementOf(value_), elementOf(root->value_), before);
+    return numberAfter(before, root->text_);
 }
 
 DecodingError Decoder::keyNotFound(std::string_view key) const {

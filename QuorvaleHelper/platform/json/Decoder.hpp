@@ -36,9 +36,9 @@ public:
     /// The value as `true` or `false`.
     [[nodiscard]] std::expected<bool, DecodingError> boolean() const;
 
-    /// The value as a signed 64-bit integer. A number with a fraction part or an exponent, which is read as a
-    /// double, is taken when that double is whole and below 2^53 in magnitude (7.0, 7e0, -0.0), where doubles
-    /// still tell all whole numbers apart. Any other number, of whatever size, is corrupted data.
+    /// The value as a signed 64-bit integer. A number with a fraction part or an exponent is taken when it is whole
+    /// (7.0, 70e-1), as exactly as it is written. Any other number, of whatever size, is corrupted data, and the error
+    /// names it.
     [[nodiscard]] std::expected<std::int64_t, DecodingError> integer() const;
 
     /// Errors of the records' own, at this value's place.
@@ -58,9 +58,10 @@ private:
     /// What null means where an object is expected.
     enum class Null : std::uint8_t { IsMissing, IsMismatch };
 
-    explicit Decoder(Value value) : value_(value) {}
+    /// The root of `text`.
+    Decoder(Value value, std::string_view text) : value_(value), text_(text) {}
 
-    Decoder(Value value, std::string_view key, const Decoder& parent) : value_(value), key_(key), parent_(&parent) {}
+    Decoder(Value value, std::string_view key, const Decoder& parent) : value_(value), text_(key), parent_(&parent) {}
 
     /// Puts the first member of each name into its place of `found`.
     [[nodiscard]] std::optional<DecodingError> findMembers(std::span<const std::string_view> names,
@@ -69,9 +70,10 @@ private:
                                       std::string_view debugDescription) const;
     [[nodiscard]] DecodingError unexpected(std::string_view expectedType, Null null) const;
     [[nodiscard]] DecodingError keyNotFound(std::string_view key) const;
+    [[nodiscard]] std::string_view numberText() const;
 
     Value value_;
-    std::string_view key_;
+    std::string_view text_; ///< the key of a member, the whole text of the root
     const Decoder* parent_ = nullptr;
 };
 

@@ -5,7 +5,8 @@
 
 namespace quorvale::platform::queue {
 
-/// A queue whose work runs one piece at a time in the order of its queuing, apart from the main thread.
+/// A queue whose work runs one piece at a time in the order of its queuing, apart from the main thread. It needs no
+/// application object and no event loop: it works before and after them, too.
 ///
 /// It has a thread while it has work, and none at rest: starting one costs twice what waking up a waiting one does. The
 /// thread takes no signals, SIGPIPE included. All queued work runs, also when the queue ends before it; but the end of

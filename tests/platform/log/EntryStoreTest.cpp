@@ -36,10 +36,24 @@ TEST(EntryStoreTest, KeepsTheNewestEntriesWithinItsBudget) {
     append(std::string(budget / 2, 'x'));
     EXPECT_EQ(messagesOf(store).back().size(), budget / 2);
     EXPECT_GT(messagesOf(store).size(), 1U);
-    append(std::string(budget, 'y'));
-    EXPECT_EQ(messagesOf(store).back().front(), 'x') << "what exceeds the budget is not kept";
-    append("last");
-    EXPECT_EQ(messagesOf(store).back(), "last");
+}
+
+TEST(EntryStoreTest, FillsItsBudgetToTheLastByteAndNoMore) {
+    constexpr std::size_t budget = 64 << 10;
+    constexpr std::size_t bookkeeping = 32;
+    EntryStore store(budget);
+    const auto& identity = store.identity({"s", "c"});
+    const auto countWith = [&](std::size_t size) {
+        store.append({{}, Level::info, identity, std::string(size - bookkeeping, 'x')});
+        return messagesOf(store).size();
+    };
+    // Sixteen chunks of four.
+    for (std::size_t count = 1; count <= 64; ++count) {
+        EXPECT_EQ(countWith(budget / 64), count);
+    }
+    EXPECT_EQ(countWith(budget / 64), 61U);
+    EXPECT_EQ(countWith(budget + 1), 61U) << "what alone exceeds the budget is not kept";
+    EXPECT_EQ(countWith(budget), 1U);
 }
 
 TEST(EntryStoreTest, WalksWhatWasThereWhileOthersWrite) {

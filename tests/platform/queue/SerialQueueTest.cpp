@@ -4,6 +4,7 @@
 
 #include <gmock/gmock.h>
 
+#include <chrono>
 #include <future>
 #include <memory>
 #include <utility>
@@ -11,6 +12,7 @@
 
 namespace quorvale::platform::queue {
 
+using namespace std::chrono_literals;
 using testing::Contains;
 using testing::Each;
 using testing::ElementsAre;
@@ -26,6 +28,18 @@ TEST(SerialQueueTest, RunsTheWorkOfEachThreadInItsOrderOnePieceAtATime) {
     EXPECT_THAT(work.next, Each(WorkOfThreads::perThread));
     EXPECT_TRUE(work.inOrder);
     EXPECT_THAT(work.ranOn, Not(Contains(std::this_thread::get_id())));
+}
+
+TEST(SerialQueueTest, StartsAgainAfterItRanEmpty) {
+    SerialQueue queue;
+    for (int round = 0; round < 3; ++round) {
+        const auto rested = std::make_shared<std::promise<void>>();
+        // The thread ends once the queue is empty.
+        ASSERT_TRUE(queue.async([rested] {
+            thread_local const std::shared_ptr<void> end(nullptr, [rested](void*) { rested->set_value(); });
+        }));
+        ASSERT_EQ(rested->get_future().wait_for(20s), std::future_status::ready) << round;
+    }
 }
 
 TEST(SerialQueueTest, RunsAllWorkWhenItEndsBeforeItAlsoByItsOwnWork) {
