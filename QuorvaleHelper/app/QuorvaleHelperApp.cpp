@@ -58,8 +58,7 @@ std::string identifier() {
 
 /// The image "MenuBarIcon", or the protected symbol where the bundle has none that can be read.
 MenuBarIcon menuBarIcon() {
-    const auto path = Bundle::main().resourcePath("MenuBarIcon");
-    auto icon = MenuBarIcon::load(QString::fromStdString(path.value_or("MenuBarIcon")));
+    auto icon = MenuBarIcon::load(QString::fromStdString(Bundle::main().resourcePath("MenuBarIcon")));
     if (icon) {
         return *std::move(icon);
     }

@@ -2,7 +2,6 @@
 
 #include <plist/plist.h>
 
-#include <array>
 #include <cstdint>
 #include <fstream>
 #include <iterator>
@@ -73,17 +72,8 @@ std::string Bundle::resourcesPath() const {
     return (path_ / "Contents" / "Resources").string();
 }
 
-std::optional<std::string> Bundle::resourcePath(std::string_view name) const {
-    constexpr std::array extensions{".svg", ".png"};
-    for (const auto* extension : extensions) {
-        auto file = fs::path(resourcesPath()) / name;
-        file += extension;
-        std::error_code error;
-        if (fs::is_regular_file(file, error)) {
-            return file.string();
-        }
-    }
-    return std::nullopt;
+std::string Bundle::resourcePath(std::string_view name) const {
+    return resourcesPath().append("/").append(name).append(".svg");
 }
 
 std::optional<std::string> Bundle::executablePath() const {

@@ -42,8 +42,8 @@ public:
     /// Where images and tables of texts lie; it need not exist.
     [[nodiscard]] std::string resourcesPath() const;
 
-    /// The file of the image `name` (without extension): NAME.svg, or else NAME.png.
-    [[nodiscard]] std::optional<std::string> resourcePath(std::string_view name) const;
+    /// The file of the image `name`, which is NAME.svg there; it need not exist.
+    [[nodiscard]] std::string resourcePath(std::string_view name) const;
 
     /// Where "CFBundleExecutable" says that the program is; that file need not exist. None when the dictionary
     /// names no program.

@@ -1,7 +1,9 @@
 #include "platform/defaults/UserDefaults.hpp"
 
+#include <QDataStream>
 #include <QDateTime>
 #include <QDir>
+#include <QFileDevice>
 #include <QFileInfo>
 #include <QSettings>
 #include <QStandardPaths>
@@ -19,9 +21,6 @@ namespace {
 using connection::Date;
 using connection::Dictionary;
 using connection::PropertyList;
-
-/// A value is kept inside a map: alone, a number or a truth would become a text in the file.
-constexpr auto valueKey = "value";
 
 QString textOf(std::string_view utf8) {
     // A text may begin with U+FEFF, which QString::fromUtf8 drops.
@@ -105,12 +104,32 @@ std::optional<PropertyList> propertyList(const QVariant& variant) {
     }
 }
 
-QString fileIn(const std::string& folder) {
-    return textOf(folder + "/Defaults.ini");
+bool readFile(QIODevice& file, QSettings::SettingsMap& values) {
+    QDataStream stream(&file);
+    stream.setVersion(QDataStream::Qt_6_0);
+    stream >> values;
+    if (stream.status() != QDataStream::Ok) {
+        values.clear();
+    }
+    return true;
 }
 
-bool isUsable(const QSettings& settings) {
-    return settings.status() != QSettings::AccessError;
+bool writeFile(QIODevice& file, const QSettings::SettingsMap& values) {
+    QDataStream stream(&file);
+    stream.setVersion(QDataStream::Qt_6_0);
+    stream << values;
+    // Of what it still has in its buffer when it replaces the file, QSaveFile wouldn't notice that the disk is full.
+    return stream.status() == QDataStream::Ok && static_cast<QFileDevice&>(file).flush();
+}
+
+/// Not an INI file, in which numbers and truths become texts, and a full disk leaves part of a file.
+QSettings::Format format() {
+    static const auto registered = QSettings::registerFormat(QStringLiteral("defaults"), readFile, writeFile);
+    return registered;
+}
+
+QString fileIn(const std::string& folder) {
+    return textOf(folder + "/Defaults");
 }
 
 std::unexpected<std::string> failure(const QSettings& settings) {
@@ -124,28 +143,28 @@ UserDefaults::UserDefaults(std::string_view suiteName)
               std::string(suiteName)) {}
 
 std::expected<std::optional<UserDefaults::Value>, std::string> UserDefaults::value(std::string_view key) const {
-    const QSettings settings(fileIn(folder_), QSettings::IniFormat);
-    if (!isUsable(settings)) {
+    const QSettings settings(fileIn(folder_), format());
+    if (settings.status() != QSettings::NoError) {
         return failure(settings);
     }
-    return propertyList(settings.value(textOf(key)).toMap().value(QLatin1String(valueKey)));
+    return propertyList(settings.value(textOf(key)));
 }
 
 std::expected<void, std::string> UserDefaults::setValue(std::string_view key, const std::optional<Value>& value) {
     // QSettings would let others look into the folder that it makes.
     QDir().mkpath(QFileInfo(textOf(folder_)).path());
     QDir().mkdir(textOf(folder_), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-    QSettings settings(fileIn(folder_), QSettings::IniFormat);
-    if (!isUsable(settings)) {
+    QSettings settings(fileIn(folder_), format());
+    if (settings.status() != QSettings::NoError) {
         return failure(settings);
     }
     if (value) {
-        settings.setValue(textOf(key), QVariantMap{{QLatin1String(valueKey), std::visit(ToVariant{}, value->value)}});
+        settings.setValue(textOf(key), std::visit(ToVariant{}, value->value));
     } else {
         settings.remove(textOf(key));
     }
     settings.sync();
-    return isUsable(settings) ? std::expected<void, std::string>() : failure(settings);
+    return settings.status() == QSettings::NoError ? std::expected<void, std::string>() : failure(settings);
 }
 
 } // namespace quorvale::platform::defaults

@@ -10,11 +10,12 @@
 namespace quorvale::platform::defaults {
 
 /// A named suite of the user's defaults: values of property-list types by key, kept by QSettings in the file
-/// `$XDG_CONFIG_HOME/<suite>/Defaults.ini`, which is neither read nor made before a value is asked for or set.
+/// `$XDG_CONFIG_HOME/<suite>/Defaults`, which is neither read nor made before a value is asked for or set. It holds one
+/// map in the form of QDataStream.
 ///
 /// Any thread; other processes may use the suite at the same time. A writer has the file locked, reads what others
 /// wrote and replaces the file as a whole: a crash leaves the earlier one or the later one, and after one of the
-/// machine a new folder may be gone. What is broken in a file is skipped, and dropped by the next write. Another
+/// machine a new folder may be gone. A broken file is as an empty one, and goes with the next write. Another
 /// process's change is noticed by the file's size and its time in milliseconds. The file is as trusted as the user.
 /// Errors are texts for the log.
 /// https://doc.qt.io/qt-6/qsettings.html

@@ -3,9 +3,11 @@
 #include <QTemporaryDir>
 #include <gmock/gmock.h>
 
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <limits>
+#include <sys/resource.h>
 #include <thread>
 #include <vector>
 
@@ -26,9 +28,7 @@ protected:
 
     static UserDefaults suite(std::string_view name = "group.suite-1") { return UserDefaults(name); }
 
-    [[nodiscard]] fs::path file() const {
-        return fs::path(folder_.path().toStdString()) / "group.suite-1/Defaults.ini";
-    }
+    [[nodiscard]] fs::path file() const { return fs::path(folder_.path().toStdString()) / "group.suite-1/Defaults"; }
 
 private:
     QTemporaryDir folder_;
@@ -78,19 +78,40 @@ TEST_F(UserDefaultsTest, HasWhatWasWrittenLastBySuiteAndKey) {
     EXPECT_EQ(fs::status(file().parent_path()).permissions(), fs::perms::owner_all);
 }
 
-TEST_F(UserDefaultsTest, SkipsWhatIsBrokenInAFileAndFailsWhereThereIsNone) {
-    ASSERT_TRUE(suite().setValue("kept", Value{true}));
-    std::ofstream(file(), std::ios::binary | std::ios::app)
-        << "broken\nx=plain\ny=@Variant(\\0\\0\\0\\b)\nz=@Variant(\\0\\0\\0\\b\\xff\\xff\\xff\\xf0\\0\\0\\0\\x2)\n";
-    for (const auto* key : {"broken", "x", "y", "z"}) {
-        EXPECT_EQ(suite().value(key), std::nullopt) << key;
+TEST_F(UserDefaultsTest, TakesABrokenFileForAnEmptyOneAndFailsWhereThereIsNone) {
+    ASSERT_TRUE(suite().setValue("key", Value{"value"s}));
+    for (const auto size : {1, 5, 20}) {
+        fs::resize_file(file(), fs::file_size(file()) - size);
+        EXPECT_EQ(suite().value("key"), std::nullopt) << size;
+        ASSERT_TRUE(suite().setValue("key", Value{"value"s}));
+        EXPECT_EQ(suite().value("key"), Value{"value"s});
     }
-    EXPECT_EQ(suite().value("kept"), Value{true});
-
     fs::remove(file());
     fs::create_directory(file());
-    EXPECT_FALSE(suite().value("kept"));
-    EXPECT_FALSE(suite().setValue("kept", Value{false}));
+    EXPECT_FALSE(suite().value("key"));
+    EXPECT_FALSE(suite().setValue("key", Value{false}));
+}
+
+TEST_F(UserDefaultsTest, LeavesTheFileAsItWasWhenTheDiskIsFull) {
+    ASSERT_TRUE(suite().setValue("key", Value{true}));
+    const auto contents = [this] {
+        std::ifstream stream(file(), std::ios::binary);
+        return std::string{std::istreambuf_iterator<char>(stream), {}};
+    };
+    const auto before = contents();
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit limit{};
+    getrlimit(RLIMIT_FSIZE, &limit);
+    const rlimit small{.rlim_cur = 4096, .rlim_max = limit.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &small);
+    for (const auto size : {4'000, 100'000}) {
+        EXPECT_FALSE(suite().setValue("key", Value{std::string(size, 'x')})) << size;
+        EXPECT_EQ(contents(), before);
+    }
+    setrlimit(RLIMIT_FSIZE, &limit);
+    std::signal(SIGXFSZ, handler);
+    EXPECT_TRUE(suite().setValue("key", Value{false}));
+    EXPECT_EQ(suite().value("key"), Value{false});
 }
 
 TEST_F(UserDefaultsTest, KeepsTheKeysOfWritersAtTheSameTime) {

@@ -4,7 +4,6 @@
 #include "platform/desktop/status_icon/edged.hpp"
 
 #include <QIconEngine>
-#include <QImageReader>
 #include <QPainter>
 
 #include <array>
@@ -72,31 +71,15 @@ std::optional<QSizeF> menuBarIconSize(QSizeF natural) {
 }
 
 std::expected<MenuBarIcon, QString> MenuBarIcon::load(const QString& path) {
-    const auto unusable = [&] { return std::unexpected(QStringLiteral("%1 has no usable size").arg(path)); };
-    // Named by its ending only: the reader for other formats would hand an SVG out as pixels.
-    if (path.endsWith(QLatin1String(".svg"), Qt::CaseInsensitive)) {
-        const auto drawing = std::make_shared<const SymbolImage>(path);
-        if (!drawing->isValid()) {
-            return std::unexpected(QStringLiteral("%1 can't be read").arg(path));
-        }
-        const auto size = menuBarIconSize(drawing->naturalSize());
-        if (!size) {
-            return unusable();
-        }
-        return withEdges(*size, [drawing](QSize pixels) { return drawing->image(pixels); });
+    const auto drawing = std::make_shared<const SymbolImage>(path);
+    if (!drawing->isValid()) {
+        return std::unexpected(QStringLiteral("%1 can't be read").arg(path));
     }
-    QImageReader reader(path);
-    const auto picture = reader.read();
-    if (picture.isNull()) {
-        return std::unexpected(QStringLiteral("%1 can't be read: %2").arg(path, reader.errorString()));
-    }
-    const auto size = menuBarIconSize(picture.size());
+    const auto size = menuBarIconSize(drawing->naturalSize());
     if (!size) {
-        return unusable();
+        return std::unexpected(QStringLiteral("%1 has no usable size").arg(path));
     }
-    return withEdges(*size, [picture](QSize pixels) {
-        return picture.scaled(pixels, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-    });
+    return withEdges(*size, [drawing](QSize pixels) { return drawing->image(pixels); });
 }
 
 MenuBarIcon MenuBarIcon::fromSymbol(const QString& path, const QColor& tint) {

@@ -25,7 +25,7 @@ struct MenuBarIcon {
     /// Draws it, in pixels.
     std::function<QImage(QSize)> draw;
 
-    /// From the SVG, or any image that Qt reads, at `path`; an error says what is wrong with it.
+    /// From the SVG at `path`; an error says what is wrong with it.
     static std::expected<MenuBarIcon, QString> load(const QString& path);
 
     /// From the SVG at `path`, all in one colour. It is the program's own and can be read.
