@@ -13,6 +13,13 @@ namespace quorvale::model {
 using platform::json::JSONDecoder;
 using platform::json::JSONEncoder;
 
+static_assert([] {
+    using Keys = Restrictions::CodingKeys;
+    using platform::json::keyOfStringValue;
+    return keyOfStringValue<Keys>("denyLock") == Keys::denyLock && !keyOfStringValue<Keys>("DenyLock") &&
+           !platform::json::intValue(Keys::denyLock) && !platform::json::keyOfIntValue<Keys>(3);
+}());
+
 TEST(RestrictionsTest, AreReadFromTheirObjectAndWrittenAsIt) {
     const auto restrictions = JSONDecoder{}.decode<Restrictions>(
         R"({"extra":1,"denyLock":false,"allowLock":true,"geographyLock":false,"training":true})");
