@@ -80,7 +80,7 @@ TEST_F(UserDefaultsTest, HasWhatWasWrittenLastBySuiteAndKey) {
 
 TEST_F(UserDefaultsTest, TakesABrokenFileForAnEmptyOneAndFailsWhereThereIsNone) {
     ASSERT_TRUE(suite().setValue("key", Value{"value"s}));
-    for (const auto size : {1, 5, 20}) {
+    for (const auto size : {1U, 5U, 20U}) {
         fs::resize_file(file(), fs::file_size(file()) - size);
         EXPECT_EQ(suite().value("key"), std::nullopt) << size;
         ASSERT_TRUE(suite().setValue("key", Value{"value"s}));
@@ -104,7 +104,7 @@ TEST_F(UserDefaultsTest, LeavesTheFileAsItWasWhenTheDiskIsFull) {
     getrlimit(RLIMIT_FSIZE, &limit);
     const rlimit small{.rlim_cur = 4096, .rlim_max = limit.rlim_max};
     setrlimit(RLIMIT_FSIZE, &small);
-    for (const auto size : {4'000, 100'000}) {
+    for (const auto size : {4'000U, 100'000U}) {
         EXPECT_FALSE(suite().setValue("key", Value{std::string(size, 'x')})) << size;
         EXPECT_EQ(contents(), before);
     }

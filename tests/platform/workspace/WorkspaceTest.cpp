@@ -60,6 +60,7 @@ public:
             list.endStructure();
             result[name] = name == QStringLiteral("ExecStartEx") ? command(value.variant()) : value.variant();
         }
+        list.endArray();
         return result;
     }
 
@@ -74,6 +75,8 @@ private:
         list.beginArray();
         list.beginStructure();
         list >> path >> words >> flags;
+        list.endStructure();
+        list.endArray();
         return (QStringList(path) + words + flags).join(u' ');
     }
 

@@ -25,6 +25,9 @@ public:
 
     /// The window is on screen, and stays there until the release. Waits for the server's answers.
     void take();
+
+    [[nodiscard]] bool hasKeyboard() const { return hasKeyboard_; }
+
     void release();
 
 Q_SIGNALS:

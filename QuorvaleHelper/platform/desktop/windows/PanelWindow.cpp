@@ -82,8 +82,9 @@ bool PanelWindow::wasJustDismissedByFocusLoss() const {
 }
 
 bool PanelWindow::event(QEvent* event) {
-    // A window that is being hidden loses the focus by that, not to anything else.
-    if (event->type() == QEvent::WindowDeactivate && !isHidden()) {
+    // A window that is being hidden loses the focus by that, not to anything else. Whoever holds the keyboard has lost
+    // nothing: Qt may tell a window late of what it lost when it was hidden, after it was opened again.
+    if (event->type() == QEvent::WindowDeactivate && !isHidden() && !grab_.hasKeyboard()) {
         sinceFocusLoss_.start();
         dismiss();
     }
