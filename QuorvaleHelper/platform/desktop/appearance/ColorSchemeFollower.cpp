@@ -9,6 +9,7 @@
 #include <QDBusVariant>
 #include <QGuiApplication>
 #include <QPalette>
+#include <QTimer>
 
 #include <limits>
 #include <utility>
@@ -38,6 +39,13 @@ QPalette darkPalette() {
 } // namespace
 
 ColorSchemeFollower::ColorSchemeFollower(QDBusConnection bus, QObject* parent) : QObject(parent), bus_(std::move(bus)) {
+    // Not before the icon is on its way.
+    QTimer::singleShot(0, this, &ColorSchemeFollower::begin);
+}
+
+ColorSchemeFollower::~ColorSchemeFollower() = default;
+
+void ColorSchemeFollower::begin() {
     auto* const owners = new QDBusServiceWatcher(portal, bus_, QDBusServiceWatcher::WatchForOwnerChange, this);
     connect(owners, &QDBusServiceWatcher::serviceOwnerChanged, this,
             [this](const QString&, const QString&, const QString& owner) {
@@ -58,8 +66,6 @@ ColorSchemeFollower::ColorSchemeFollower(QDBusConnection bus, QObject* parent) :
         update();
     }
 }
-
-ColorSchemeFollower::~ColorSchemeFollower() = default;
 
 void ColorSchemeFollower::askForOwner() {
     auto message =

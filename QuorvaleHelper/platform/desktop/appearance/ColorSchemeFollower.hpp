@@ -21,7 +21,7 @@ class ColorSchemeFollower final : public QObject {
     Q_OBJECT
 
 public:
-    /// `bus` is the session bus.
+    /// `bus` is the session bus. Begins once the event loop runs, before any window is shown there.
     explicit ColorSchemeFollower(QDBusConnection bus, QObject* parent = nullptr);
     ~ColorSchemeFollower() override;
 
@@ -29,6 +29,7 @@ private Q_SLOTS:
     void settingChanged(const QDBusMessage& message);
 
 private:
+    void begin();
     void askForOwner();
     void ask();
     void take(const QVariant& scheme);
