@@ -135,6 +135,10 @@ class Adaptor final : public QDBusAbstractAdaptor {
 public:
     explicit Adaptor(DBusMenu& menu) : QDBusAbstractAdaptor(&menu), menu_(menu) {
         connect(&menu, &DBusMenu::changed, this, [this](const QSet<qsizetype>& indices) {
+            // Nobody has anything to bring up to date, as at the start, where drawing the symbol would delay the icon.
+            if (!wasRead_) {
+                return;
+            }
             MenuNodes nodes;
             QList<MenuLosses> losses;
             for (const auto index : indices) {
@@ -230,7 +234,8 @@ private:
     }
 
     /// The item with the properties of these names, or with all if there are none.
-    [[nodiscard]] MenuNode nodeOf(int id, const QStringList& names) const {
+    [[nodiscard]] MenuNode nodeOf(int id, const QStringList& names) {
+        wasRead_ = true;
         const auto wants = [&](const QString& name) { return names.isEmpty() || names.contains(name); };
         MenuNode node{id, {}};
         const auto put = [&](const QString& name, const auto& makeValue) {
@@ -255,6 +260,7 @@ private:
     }
 
     DBusMenu& menu_;
+    bool wasRead_ = false;
 };
 
 } // namespace

@@ -153,6 +153,8 @@ TEST_F(DBusMenuTest, TellsPanelsOnceOfAllThatChangedInATurn) {
         status->setText(QString::fromLatin1(text));
         status->setIcon(iconOf(color));
     };
+    change("Unread", Qt::blue);
+    EXPECT_EQ(properties({1}, {}).size(), 1U) << "is told of what changes from now on";
     for (int flood = 0; flood < 1000; ++flood) {
         change("Unprotected", Qt::red);
         change("Protected", Qt::green);
