@@ -57,13 +57,20 @@ std::string identifier() {
 }
 
 /// The image "MenuBarIcon", or the protected symbol where the bundle has none that can be read.
-MenuBarIcon menuBarIcon() {
+MenuBarIcon loadMenuBarIcon() {
     auto icon = MenuBarIcon::load(QString::fromStdString(Bundle::main().resourcePath("MenuBarIcon")));
     if (icon) {
         return *std::move(icon);
     }
     logger().error("Failed to load the menu bar icon: %{public}s", icon.error().toStdString());
     return MenuBarIcon::fromSymbol(ProtectedLook::of(true).symbol, ui::menu::SystemColors::blue);
+}
+
+/// The windows get the same picture.
+MenuBarIcon makeMenuBarIcon() {
+    auto icon = loadMenuBarIcon();
+    QGuiApplication::setWindowIcon(icon.icon());
+    return icon;
 }
 
 void loadTexts() {
@@ -144,8 +151,6 @@ void QuorvaleHelperApp::showMenuBarExtra() {
     auto& statusManager = *statusListener_.get();
     auto& mainQueue = MainQueue::shared();
     const auto bus = QDBusConnection::sessionBus();
-    auto icon = menuBarIcon();
-    QGuiApplication::setWindowIcon(icon.icon());
     const ui::menu::WindowBarStyle::Actions actions{
         .dismiss = [this] { menuBarExtra_->dismiss(); },
         .openMainApplication = [] { openMainApplication(); },
@@ -162,7 +167,7 @@ void QuorvaleHelperApp::showMenuBarExtra() {
     menuBarExtra_ = std::make_unique<MenuBarExtra>(
         bus,
         platform::desktop::StatusNotifierItem::Description{QString::fromStdString(identifier()),
-                                                           QString::fromLatin1(title), std::move(icon)},
+                                                           QString::fromLatin1(title), makeMenuBarIcon},
         menu);
     auto& extra = *menuBarExtra_;
     QObject::connect(&extra, &MenuBarExtra::failed,

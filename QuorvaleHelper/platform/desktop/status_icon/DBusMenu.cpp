@@ -1,6 +1,7 @@
 #include "platform/desktop/status_icon/DBusMenu.hpp"
 
 #include <QAction>
+#include <QBasicTimer>
 #include <QDBusAbstractAdaptor>
 #include <QDBusArgument>
 #include <QDBusMetaType>
@@ -9,6 +10,7 @@
 #include <QIcon>
 #include <QImage>
 #include <QPixmap>
+#include <QSet>
 #include <QTimer>
 #include <QTimerEvent>
 
@@ -133,24 +135,7 @@ class Adaptor final : public QDBusAbstractAdaptor {
     Q_PROPERTY(QStringList IconThemePath READ iconThemePath)
 
 public:
-    explicit Adaptor(DBusMenu& menu) : QDBusAbstractAdaptor(&menu), menu_(menu) {
-        connect(&menu, &DBusMenu::changed, this, [this](const QSet<qsizetype>& indices) {
-            // Nobody has anything to bring up to date, as at the start, where drawing the symbol would delay the icon.
-            if (!wasRead_) {
-                return;
-            }
-            MenuNodes nodes;
-            QList<MenuLosses> losses;
-            for (const auto index : indices) {
-                const auto id = rootId + 1 + static_cast<int>(index);
-                nodes.push_back(nodeOf(id, {}));
-                if (!nodes.back().properties.contains(iconKey)) {
-                    losses.push_back({id, {iconKey}});
-                }
-            }
-            Q_EMIT ItemsPropertiesUpdated(nodes, losses);
-        });
-    }
+    explicit Adaptor(DBusMenu& menu) : QDBusAbstractAdaptor(&menu), menu_(menu) {}
 
     [[nodiscard]] uint version() const { return 2; }
 
@@ -218,7 +203,39 @@ Q_SIGNALS:
                                 QList<quorvale::platform::desktop::MenuLosses> removed);
     void LayoutUpdated(uint revision, int parentId);
 
+protected:
+    void timerEvent(QTimerEvent* event) override {
+        if (event->timerId() != announcement_.timerId()) {
+            QDBusAbstractAdaptor::timerEvent(event);
+            return;
+        }
+        announcement_.stop();
+        MenuNodes nodes;
+        QList<MenuLosses> losses;
+        for (const auto id : std::exchange(changed_, {})) {
+            nodes.push_back(nodeOf(id, {}));
+            if (!nodes.back().properties.contains(iconKey)) {
+                losses.push_back({id, {iconKey}});
+            }
+        }
+        Q_EMIT ItemsPropertiesUpdated(nodes, losses);
+    }
+
 private:
+    /// From the first read on: before it nobody has anything to bring up to date, as at the start, where drawing the
+    /// symbol would delay the icon.
+    void follow() {
+        if (std::exchange(isFollowing_, true)) {
+            return;
+        }
+        for (int id = rootId + 1; id <= itemCount(); ++id) {
+            connect(actionOf(id), &QAction::changed, this, [this, id] {
+                changed_.insert(id);
+                announcement_.start(0, this);
+            });
+        }
+    }
+
     [[nodiscard]] int itemCount() const { return static_cast<int>(menu_.actions().size()); }
 
     [[nodiscard]] QAction* actionOf(int id) const { return menu_.actions()[id - rootId - 1]; }
@@ -235,7 +252,7 @@ private:
 
     /// The item with the properties of these names, or with all if there are none.
     [[nodiscard]] MenuNode nodeOf(int id, const QStringList& names) {
-        wasRead_ = true;
+        follow();
         const auto wants = [&](const QString& name) { return names.isEmpty() || names.contains(name); };
         MenuNode node{id, {}};
         const auto put = [&](const QString& name, const auto& makeValue) {
@@ -260,7 +277,9 @@ private:
     }
 
     DBusMenu& menu_;
-    bool wasRead_ = false;
+    bool isFollowing_ = false;
+    QSet<int> changed_;
+    QBasicTimer announcement_;
 };
 
 } // namespace
@@ -276,25 +295,10 @@ DBusMenu::DBusMenu(QDBusConnection bus, const QMenu& menu, QObject* parent)
     qDBusRegisterMetaType<QList<MenuLosses>>();
     new Adaptor(*this);
     bus_.registerObject(path, this, QDBusConnection::ExportAdaptors);
-    for (qsizetype index = 0; index < actions_.size(); ++index) {
-        connect(actions_[index], &QAction::changed, this, [this, index] {
-            changed_.insert(index);
-            announcement_.start(0, this);
-        });
-    }
 }
 
 DBusMenu::~DBusMenu() {
     bus_.unregisterObject(path);
-}
-
-void DBusMenu::timerEvent(QTimerEvent* event) {
-    if (event->timerId() != announcement_.timerId()) {
-        QObject::timerEvent(event);
-        return;
-    }
-    announcement_.stop();
-    Q_EMIT changed(std::exchange(changed_, {}));
 }
 
 } // namespace quorvale::platform::desktop

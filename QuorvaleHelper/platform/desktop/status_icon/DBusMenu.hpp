@@ -1,12 +1,10 @@
 #pragma once
 
-#include <QBasicTimer>
 #include <QDBusConnection>
 #include <QDBusContext>
 #include <QList>
 #include <QMenu>
 #include <QObject>
-#include <QSet>
 #include <QString>
 
 #include <cstdint>
@@ -35,17 +33,10 @@ public:
 Q_SIGNALS:
     /// The user chose `action`, at a time by the panel's clock: on X11 the server's, or 0.
     void chosen(QAction* action, std::uint32_t timestamp);
-    /// These of the actions have a new text or icon.
-    void changed(const QSet<qsizetype>& indices);
-
-protected:
-    void timerEvent(QTimerEvent* event) override;
 
 private:
     QDBusConnection bus_;
     const QList<QAction*> actions_;
-    QSet<qsizetype> changed_;
-    QBasicTimer announcement_;
 };
 
 } // namespace quorvale::platform::desktop

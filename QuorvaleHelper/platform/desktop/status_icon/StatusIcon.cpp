@@ -100,7 +100,7 @@ void StatusIcon::followHost() {
 // for the watcher to answer. Here there is no watcher, or it answered this moment that it has no host, so the wait is
 // short, and Qt takes the X11 tray for good.
 void StatusIcon::showInSystemTray() {
-    trayIcon_ = std::make_unique<QSystemTrayIcon>(item_.description().icon.icon());
+    trayIcon_ = std::make_unique<QSystemTrayIcon>(item_.icon().icon());
     trayIcon_->setToolTip(item_.toolTip());
     trayIcon_->setContextMenu(&menu_);
     connect(trayIcon_.get(), &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {

@@ -103,10 +103,9 @@ public:
 
     [[nodiscard]] QString iconName() const { return {}; }
 
-    /// Drawn when it is first asked for, so that nothing of it delays the icon's registration.
     [[nodiscard]] NotifierPixmaps iconPixmap() {
         if (pixmaps_.isEmpty()) {
-            for (const auto& image : item_.description().icon.images()) {
+            for (const auto& image : item_.icon().images()) {
                 pixmaps_.push_back(notifierPixmap(image));
             }
         }
@@ -164,6 +163,13 @@ StatusNotifierItem::StatusNotifierItem(QDBusConnection bus, Description descript
 
 StatusNotifierItem::~StatusNotifierItem() {
     bus_.unregisterObject(itemPath);
+}
+
+const MenuBarIcon& StatusNotifierItem::icon() {
+    if (!icon_) {
+        icon_ = description_.makeIcon();
+    }
+    return *icon_;
 }
 
 void StatusNotifierItem::setToolTip(const QString& text) {

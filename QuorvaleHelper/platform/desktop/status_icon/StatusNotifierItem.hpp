@@ -8,6 +8,8 @@
 #include <QPoint>
 #include <QString>
 
+#include <functional>
+#include <optional>
 #include <utility>
 
 namespace quorvale::platform::desktop {
@@ -23,7 +25,8 @@ public:
         QString id;
         /// Names the program where panels list their icons.
         QString title;
-        MenuBarIcon icon;
+        /// Called once, when the picture is first asked for, so that nothing of it delays the icon's registration.
+        std::function<MenuBarIcon()> makeIcon;
     };
 
     /// Whether panels are told of a new tooltip at once, or later: they may show it there and then if the pointer rests
@@ -37,6 +40,8 @@ public:
     StatusNotifierItem& operator=(const StatusNotifierItem&) = delete;
 
     [[nodiscard]] const Description& description() const { return description_; }
+
+    [[nodiscard]] const MenuBarIcon& icon();
 
     /// Plain text: the tooltip, and the description of the icon for those who can't see it.
     void setToolTip(const QString& text);
@@ -65,6 +70,7 @@ private:
 
     QDBusConnection bus_;
     Description description_;
+    std::optional<MenuBarIcon> icon_;
     DBusMenu menu_;
     QString activationToken_;
     QString toolTip_;

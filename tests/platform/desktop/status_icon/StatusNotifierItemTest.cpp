@@ -94,7 +94,7 @@ protected:
     QMenu menu;
     QAction* log = menu.addAction(QStringLiteral("Log"));
     StatusNotifierItem item{session.program,
-                            {QStringLiteral("com.quorvale.QuorvaleHelper"), QStringLiteral("Quorvale Helper"), icon()},
+                            {QStringLiteral("com.quorvale.QuorvaleHelper"), QStringLiteral("Quorvale Helper"), icon},
                             menu};
 };
 
