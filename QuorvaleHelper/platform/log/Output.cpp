@@ -3,11 +3,14 @@
 #define SD_JOURNAL_SUPPRESS_LOCATION
 #include <systemd/sd-journal.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <climits>
 #include <cstdio>
 #include <ctime>
+#include <optional>
 #include <poll.h>
 #include <string>
 #include <sys/uio.h>
@@ -36,34 +39,55 @@ public:
     }
 };
 
+bool isControl(char character) {
+    const auto byte = static_cast<unsigned char>(character);
+    return byte < 0x20 || byte == 0x7f;
+}
+
 void appendEscaped(std::string& line, std::string_view text) {
-    for (const char character : text) {
-        const auto byte = static_cast<unsigned char>(character);
-        if (character == '\n') {
-            line += "\\n";
-        } else if (character == '\t') {
-            line += "\\t";
-        } else if (byte < 0x20 || byte == 0x7f) {
-            std::array<char, 5> escape{};
-            std::snprintf(escape.data(), escape.size(), "\\x%02x", byte);
-            line += escape.data();
-        } else {
-            line += character;
+    while (true) {
+        const auto* const control = std::ranges::find_if(text, isControl);
+        line.append(text.begin(), control);
+        if (control == text.end()) {
+            return;
         }
+        if (*control == '\n') {
+            line += "\\n";
+        } else if (*control == '\t') {
+            line += "\\t";
+        } else {
+            std::array<char, 5> escape{};
+            std::snprintf(escape.data(), escape.size(), "\\x%02x", static_cast<unsigned char>(*control));
+            line += escape.data();
+        }
+        text = {control + 1, text.end()};
     }
 }
 
-void appendTime(std::string& line, std::chrono::system_clock::time_point date) {
-    using namespace std::chrono;
-    const auto second = floor<seconds>(date);
-    const auto milliseconds = static_cast<int>(floor<std::chrono::milliseconds>(date - second).count());
-    const auto time = system_clock::to_time_t(second);
-    std::tm parts{};
-    gmtime_r(&time, &parts);
-    std::array<char, 32> text{};
-    line.append(text.data(), std::strftime(text.data(), text.size(), "%FT%T", &parts));
-    line.append(text.data(), static_cast<std::size_t>(std::snprintf(text.data(), text.size(), ".%03dZ", milliseconds)));
-}
+/// Times as of RFC 3339, in UTC with milliseconds. Most lines of a burst are of the same second, which it spells once.
+class Clock {
+public:
+    void append(std::string& line, std::chrono::system_clock::time_point date) {
+        using namespace std::chrono;
+        const auto second = floor<seconds>(date);
+        if (second_ != second) {
+            second_ = second;
+            const auto time = system_clock::to_time_t(second);
+            std::tm parts{};
+            gmtime_r(&time, &parts);
+            std::array<char, 32> text{};
+            text_.assign(text.data(), std::strftime(text.data(), text.size(), "%FT%T", &parts));
+        }
+        const auto milliseconds = static_cast<int>(floor<std::chrono::milliseconds>(date - second).count());
+        const auto digit = [](int number) { return static_cast<char>('0' + number % 10); };
+        const std::array fraction{'.', digit(milliseconds / 100), digit(milliseconds / 10), digit(milliseconds), 'Z'};
+        line.append(text_).append(fraction.data(), fraction.size());
+    }
+
+private:
+    std::optional<std::chrono::sys_seconds> second_;
+    std::string text_;
+};
 
 class LineOutput final : public Output {
 public:
@@ -71,7 +95,7 @@ public:
 
     void write(const Entry& entry) override {
         const auto before = lines_.size();
-        appendTime(lines_, entry.date);
+        clock_.append(lines_, entry.date);
         lines_ += ' ';
         lines_ += entry.identity.subsystem;
         lines_ += ' ';
@@ -113,6 +137,7 @@ private:
     }
 
     const int fileDescriptor_;
+    Clock clock_;
     std::string lines_;
 };
 
