@@ -33,6 +33,7 @@
 #include <map>
 #include <mutex>
 #include <optional>
+#include <string_view>
 #include <sys/eventfd.h>
 #include <unistd.h>
 #include <utility>
@@ -127,6 +128,19 @@ void reportMessage(QtMsgType type, const QMessageLogContext& /*context*/, const 
     }
 }
 
+QLoggingCategory::CategoryFilter applyUsersRules = nullptr;
+
+/// The user's logging rules may silence the toolkit, but we need its warnings.
+void keepWarnings(QLoggingCategory* category) {
+    // To be installed, this goes over what the rules were already applied to.
+    if (applyUsersRules) {
+        applyUsersRules(category);
+    }
+    if (std::string_view(category->categoryName()) == "default") {
+        category->setEnabled(QtWarningMsg, true);
+    }
+}
+
 /// The library stops reading while 63 MiB of what it has read wait to be dealt with, and goes on from the thread that
 /// deals with them. The toolkit can't: it reads on a thread of its own, and would never hear from the bus again.
 void readHoweverMuchWaits(const QDBusConnection& bus) {
@@ -182,8 +196,6 @@ public:
         };
         connect(&application_, &QApplication::commitDataRequest, this, neverRestart, Qt::DirectConnection);
         connect(&application_, &QApplication::saveStateRequest, this, neverRestart, Qt::DirectConnection);
-        // The user's logging rules may silence it, but we need its warnings.
-        QLoggingCategory::defaultCategory()->setEnabled(QtWarningMsg, true);
     }
 
     Instance claim(Wish wish) {
@@ -330,6 +342,7 @@ Application::Application(int& argc, char** argv, const std::string& identifier) 
     // tens of MiB at every closing, would then stay with the process.
     mallopt(M_MMAP_THRESHOLD, largestKeptBlock);
     qInstallMessageHandler(reportMessage);
+    applyUsersRules = QLoggingCategory::installFilter(keepWarnings);
     session_ = std::make_unique<Session>(argc, argv, identifier);
 }
 
