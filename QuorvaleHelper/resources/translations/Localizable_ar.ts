@@ -19,5 +19,13 @@
         <source></source>
         <translation>غير محمي</translation>
     </message>
+    <message id="Copy">
+        <source></source>
+        <translation>نسخ</translation>
+    </message>
+    <message id="Select All">
+        <source></source>
+        <translation>تحديد الكل</translation>
+    </message>
 </context>
 </TS>

@@ -19,5 +19,13 @@
         <source></source>
         <translation>Nicht geschützt</translation>
     </message>
+    <message id="Copy">
+        <source></source>
+        <translation>Kopieren</translation>
+    </message>
+    <message id="Select All">
+        <source></source>
+        <translation>Alles auswählen</translation>
+    </message>
 </context>
 </TS>

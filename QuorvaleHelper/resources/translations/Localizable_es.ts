@@ -19,5 +19,13 @@
         <source></source>
         <translation>Sin protección</translation>
     </message>
+    <message id="Copy">
+        <source></source>
+        <translation>Copiar</translation>
+    </message>
+    <message id="Select All">
+        <source></source>
+        <translation>Seleccionar todo</translation>
+    </message>
 </context>
 </TS>

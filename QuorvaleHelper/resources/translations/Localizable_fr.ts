@@ -19,5 +19,13 @@
         <source></source>
         <translation>Non protégé</translation>
     </message>
+    <message id="Copy">
+        <source></source>
+        <translation>Copier</translation>
+    </message>
+    <message id="Select All">
+        <source></source>
+        <translation>Tout sélectionner</translation>
+    </message>
 </context>
 </TS>

@@ -19,5 +19,13 @@
         <source></source>
         <translation>保護されていません</translation>
     </message>
+    <message id="Copy">
+        <source></source>
+        <translation>コピー</translation>
+    </message>
+    <message id="Select All">
+        <source></source>
+        <translation>すべて選択</translation>
+    </message>
 </context>
 </TS>

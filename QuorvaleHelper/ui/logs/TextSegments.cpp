@@ -55,6 +55,10 @@ std::size_t TextSegments::bytes(std::size_t index) const {
     return (index + 1 == starts_.size() ? text_.size() : starts_[index + 1]) - starts_[index];
 }
 
+std::size_t TextSegments::at(std::size_t offset) const {
+    return static_cast<std::size_t>(std::ranges::upper_bound(starts_, offset) - starts_.begin()) - 1;
+}
+
 bool TextSegments::endsLine(std::size_t index) const {
     return index + 1 < starts_.size() && text_[starts_[index + 1] - 1] == '\n';
 }

@@ -25,6 +25,14 @@ public:
     /// How many bytes that is, or one more if a line feed follows. Quicker to tell.
     [[nodiscard]] std::size_t bytes(std::size_t index) const;
 
+    [[nodiscard]] std::string_view text() const { return text_; }
+
+    /// Where in the text a piece begins, in bytes.
+    [[nodiscard]] std::size_t start(std::size_t index) const { return starts_[index]; }
+
+    /// The piece that a place of the text is in; the line feed at its end is.
+    [[nodiscard]] std::size_t at(std::size_t offset) const;
+
     /// Whether a line feed follows the piece.
     [[nodiscard]] bool endsLine(std::size_t index) const;
 

@@ -2,7 +2,7 @@
 
 #include "platform/text/Characters.hpp"
 
-#include <QStringDecoder>
+#include <QChar>
 
 namespace quorvale::ui::logs {
 
@@ -39,25 +39,51 @@ char32_t shown(char32_t character) {
     return isControl || separatesLines || isUnseen || isSpecial ? replacement : character;
 }
 
+/// Calls `visit` with each character as it is shown and with the place of its end, until that is false.
+template <typename Visit>
+void walk(std::string_view utf8, Visit visit) {
+    for (std::size_t end = 0; end < utf8.size();) {
+        const auto scalar = platform::text::scalarAt(utf8, end);
+        end += scalar.length;
+        if (!visit(shown(scalar.value), end)) {
+            return;
+        }
+    }
+}
+
+int unitsOf(char32_t character) {
+    return QChar::requiresSurrogates(character) ? 2 : 1;
+}
+
 } // namespace
 
 QString displayText(std::string_view utf8) {
-    // Not QString's own conversion, which leaves out a byte order mark at the beginning.
-    QStringDecoder decoder(QStringDecoder::Utf8,
-                           QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
-    QString text = decoder(QByteArrayView(utf8.data(), static_cast<qsizetype>(utf8.size())));
-    for (qsizetype i = 0; i < text.size(); ++i) {
-        if (text[i].isHighSurrogate() && i + 1 < text.size()) {
-            if (shown(QChar::surrogateToUcs4(text[i], text[i + 1])) == replacement) {
-                text.replace(i, 2, QChar::ReplacementCharacter);
-            } else {
-                ++i;
-            }
-        } else {
-            text[i] = QChar(static_cast<char16_t>(shown(text[i].unicode())));
-        }
-    }
+    QString text;
+    text.reserve(static_cast<qsizetype>(utf8.size()));
+    walk(utf8, [&](char32_t character, std::size_t /*end*/) {
+        text.append(QChar::fromUcs4(character));
+        return true;
+    });
     return text;
+}
+
+int unitsShowing(std::string_view utf8, std::size_t bytes) {
+    int units = 0;
+    walk(utf8, [&](char32_t character, std::size_t end) {
+        units += end <= bytes ? unitsOf(character) : 0;
+        return end < bytes;
+    });
+    return units;
+}
+
+std::size_t bytesShownIn(std::string_view utf8, int units) {
+    std::size_t bytes = 0;
+    walk(utf8, [&](char32_t character, std::size_t end) {
+        units -= unitsOf(character);
+        bytes = units >= 0 ? end : bytes;
+        return units > 0;
+    });
+    return bytes;
 }
 
 } // namespace quorvale::ui::logs

@@ -2,6 +2,7 @@
 
 #include <QString>
 
+#include <cstddef>
 #include <string_view>
 
 namespace quorvale::ui::logs {
@@ -12,5 +13,11 @@ namespace quorvale::ui::logs {
 /// well-formed UTF-8 as U+FFFD. Only zero-width joiners and variation selectors stay, which shape the characters around
 /// them.
 QString displayText(std::string_view utf8);
+
+/// How many UTF-16 units of that show the first `bytes` bytes. A character counts once all of it is among them.
+int unitsShowing(std::string_view utf8, std::size_t bytes);
+
+/// How many bytes the first `units` of those units show; of a character that they cut, none.
+std::size_t bytesShownIn(std::string_view utf8, int units);
 
 } // namespace quorvale::ui::logs
