@@ -178,7 +178,7 @@ void EntryView::paintEvent(QPaintEvent* /*event*/) {
     }
     for (auto [segment, y] = firstPainted(); segment < segments_.size() && y < viewport()->height();
          y += heightOf(segment), ++segment) {
-        layoutOf(segment).draw(&painter, QPointF(padding, y), selectedRanges(segment));
+        layoutOf(segment).draw(&painter, QPointF(padding, y), formats(segment));
     }
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ui/logs/BlockSums.hpp"
+#include "ui/logs/TextSearch.hpp"
 #include "ui/logs/TextSegments.hpp"
 #include "ui/logs/TextSelection.hpp"
 
@@ -76,6 +77,16 @@ public:
     /// Leaves what is selected with the clipboard, if anything is.
     void copy() const;
 
+    /// Marks what that search finds, or nothing any more.
+    void mark(std::optional<TextSearch> search);
+
+    /// Selects a match and brings it into sight.
+    void showMatch(TextSearch::Match match);
+
+Q_SIGNALS:
+    /// A person asks to look for a text.
+    void findWanted();
+
 protected:
     bool event(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -123,8 +134,8 @@ private:
     void showSelection();
     void reveal(std::size_t offset);
     void offerSelection() const;
-    /// What of a segment is selected, as it is painted.
-    [[nodiscard]] QList<QTextLayout::FormatRange> selectedRanges(std::size_t segment) const;
+    /// What of a segment is painted unlike the rest: matches and, over them, what is selected.
+    [[nodiscard]] QList<QTextLayout::FormatRange> formats(std::size_t segment) const;
 
     Items items_;
     TextSegments segments_;
@@ -142,6 +153,7 @@ private:
     bool isFollowing_ = false;        ///< The scroll bar is being set to where the text is.
 
     TextSelection selection_;
+    std::optional<TextSearch> search_;
     std::optional<qreal> column_; ///< that moving by lines keeps to
     QElapsedTimer sinceDoubleClick_;
     QPoint doubleClick_;

@@ -137,6 +137,8 @@ void EntryView::contextMenuEvent(QContextMenuEvent* event) {
         menu.addAction(common::localized("Select All"), this, [this] { select(0, segments_.text().size()); });
     all->setShortcut(QKeySequence::SelectAll);
     all->setEnabled(!segments_.text().empty());
+    menu.addSeparator();
+    menu.addAction(common::localized("Find..."), this, &EntryView::findWanted)->setShortcut(QKeySequence::Find);
     menu.exec(event->globalPos());
 }
 
@@ -169,7 +171,8 @@ std::optional<std::size_t> EntryView::movedCaret(const QKeyEvent& event) {
         Move{QKeySequence::SelectStartOfDocument, [&] { return std::size_t{0}; }},
         Move{QKeySequence::SelectEndOfDocument, [&] { return segments_.text().size(); }},
     };
-    const auto* const move = std::ranges::find_if(moves, [&](const Move& candidate) { return event.matches(candidate.first); });
+    const auto* const move =
+        std::ranges::find_if(moves, [&](const Move& candidate) { return event.matches(candidate.first); });
     return move == moves.end() ? std::nullopt : std::optional(move->second());
 }
 
@@ -275,25 +278,53 @@ void EntryView::offerSelection() const {
     }
 }
 
-QList<QTextLayout::FormatRange> EntryView::selectedRanges(std::size_t segment) const {
+void EntryView::mark(std::optional<TextSearch> search) {
+    search_ = std::move(search);
+    viewport()->update();
+}
+
+void EntryView::showMatch(TextSearch::Match match) {
+    select(match.begin, match.end);
+    reveal(match.begin);
+}
+
+QList<QTextLayout::FormatRange> EntryView::formats(std::size_t segment) const {
     const auto start = segments_.start(segment);
     const auto end = start + segments_.bytes(segment);
-    if (selection_.isEmpty() || selection_.begin() >= end || selection_.end() <= start) {
-        return {};
+    QList<QTextLayout::FormatRange> ranges;
+    const auto add = [&](std::size_t from, std::size_t to) -> QTextLayout::FormatRange* {
+        if (from >= to || from >= end || to <= start) {
+            return nullptr;
+        }
+        const auto bytes = segments_[segment];
+        const auto first = from <= start ? 0 : unitsShowing(bytes, from - start);
+        const auto last = unitsShowing(bytes, std::min(to, end) - start);
+        return &ranges.emplace_back(QTextLayout::FormatRange{.start = first, .length = last - first, .format = {}});
+    };
+    if (search_) {
+        // One that began in a piece before is painted there only.
+        const auto near = segments_.text().substr(0, std::min(end + search_->longest(), segments_.text().size()));
+        auto color = palette().color(QPalette::Highlight);
+        color.setAlphaF(0.3F);
+        for (auto match = search_->next(near, start); match && match->begin < end;
+             match = search_->next(near, match->end)) {
+            if (auto* const range = add(match->begin, match->end)) {
+                range->format.setBackground(color);
+            }
+        }
     }
-    const auto bytes = segments_[segment];
-    const auto from = selection_.begin() <= start ? 0 : unitsShowing(bytes, selection_.begin() - start);
-    const auto to = unitsShowing(bytes, std::min(selection_.end(), end) - start);
-    QTextLayout::FormatRange range{.start = from, .length = to - from, .format = {}};
-    const auto group = hasFocus() ? QPalette::Active : QPalette::Inactive;
-    range.format.setBackground(palette().brush(group, QPalette::Highlight));
-    range.format.setForeground(palette().brush(group, QPalette::HighlightedText));
-    // A line feed that is selected is seen as the rest of its line.
-    if (segments_.endsLine(segment) && selection_.end() >= end) {
-        ++range.length;
-        range.format.setProperty(QTextFormat::FullWidthSelection, true);
+    if (auto* const range = add(selection_.begin(), selection_.end())) {
+        // A match is shown as selected while the keyboard is where it is looked for.
+        const auto group = hasFocus() || search_ ? QPalette::Active : QPalette::Inactive;
+        range->format.setBackground(palette().brush(group, QPalette::Highlight));
+        range->format.setForeground(palette().brush(group, QPalette::HighlightedText));
+        // A line feed that is selected is seen as the rest of its line.
+        if (segments_.endsLine(segment) && selection_.end() >= end) {
+            ++range->length;
+            range->format.setProperty(QTextFormat::FullWidthSelection, true);
+        }
     }
-    return {range};
+    return ranges;
 }
 
 } // namespace quorvale::ui::logs

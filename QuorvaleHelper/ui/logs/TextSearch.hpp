@@ -32,6 +32,9 @@ public:
 
     [[nodiscard]] std::size_t count(std::string_view text) const;
 
+    /// How many bytes a match can have.
+    [[nodiscard]] std::size_t longest() const { return folded_.empty() ? wanted_.size() : 4 * folded_.size(); }
+
 private:
     [[nodiscard]] std::optional<std::size_t> endOfMatchAt(std::string_view text, std::size_t begin) const;
 
