@@ -194,6 +194,14 @@ std::optional<std::string> characterAt(std::size_t position, std::string_view te
     return wellFormed(text.substr(begin, cursor.offset() - begin));
 }
 
+std::size_t characterLength(std::string_view text) {
+    Cursor cursor(text);
+    if (!cursor.atEnd()) {
+        cursor.next();
+    }
+    return cursor.offset();
+}
+
 bool isDefaultIgnorable(char32_t character) {
     return utf8proc_get_property(codepoint(character))->ignorable != 0;
 }

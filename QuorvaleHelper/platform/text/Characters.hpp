@@ -16,6 +16,9 @@ namespace quorvale::platform::text {
 /// well-formed, and a truncated sequence is one character, to which combining marks after it belong.
 std::optional<std::string> characterAt(std::size_t position, std::string_view text);
 
+/// How many bytes the first such character of `text` has; 0 of an empty text. Any thread.
+std::size_t characterLength(std::string_view text);
+
 /// A Unicode scalar value and the bytes that it was read from.
 struct Scalar {
     char32_t value;

@@ -10,7 +10,8 @@ namespace quorvale::ui::logs {
 /// it. So no single line, whatever a peer puts into it, costs more to show than another. Takes eight bytes a piece.
 class TextSegments {
 public:
-    /// Bytes of the longest piece. A longer line is cut after a space, or else between two characters.
+    /// Bytes of the longest piece. A longer line is cut after a space, or else between two characters,
+    /// if possible where letters that are written together aren't.
     static constexpr std::size_t longest = 2048;
 
     /// `text` is UTF-8, or any bytes, and outlives the segments.

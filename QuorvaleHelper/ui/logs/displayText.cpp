@@ -14,10 +14,10 @@ bool isWithin(char32_t character, char32_t first, char32_t last) {
     return character >= first && character <= last;
 }
 
-/// Zero-width joiners and variation selectors: without a shape of their own, but not without an effect.
+/// Zero-width joiners, variation selectors and soft hyphens: without a shape of their own, but not without an effect.
 bool shapesOthers(char32_t character) {
-    return isWithin(character, U'\u200C', U'\u200D') || isWithin(character, U'\uFE00', U'\uFE0F') ||
-           isWithin(character, U'\U000E0100', U'\U000E01EF');
+    return character == U'\u00AD' || isWithin(character, U'\u200C', U'\u200D') ||
+           isWithin(character, U'\uFE00', U'\uFE0F') || isWithin(character, U'\U000E0100', U'\U000E01EF');
 }
 
 char32_t shown(char32_t character) {
@@ -32,20 +32,31 @@ char32_t shown(char32_t character) {
     }
     const auto isControl = character < 0xA0;
     const auto separatesLines = isWithin(character, U'\u2028', U'\u2029');
-    // The controls of direction are among them, and tags, which repeat ASCII unseen.
+    // The controls of direction are among them, and tags outside of flags, which repeat ASCII unseen.
     const auto isUnseen = platform::text::isDefaultIgnorable(character) && !shapesOthers(character);
     // Annotations, and what stands for an object.
     const auto isSpecial = isWithin(character, U'\uFFF9', U'\uFFFC');
     return isControl || separatesLines || isUnseen || isSpecial ? replacement : character;
 }
 
+constexpr char32_t flag = U'\U0001F3F4';
+constexpr char32_t endOfTags = U'\U000E007F';
+
+bool isTag(char32_t character) {
+    return isWithin(character, U'\U000E0020', endOfTags);
+}
+
 /// Calls `visit` with each character as it is shown and with the place of its end, until that is false.
 template <typename Visit>
 void walk(std::string_view utf8, Visit visit) {
+    // Tags say which flag it is (Unicode Technical Standard #51, emoji tag sequences).
+    bool isInFlag = false;
     for (std::size_t end = 0; end < utf8.size();) {
         const auto scalar = platform::text::scalarAt(utf8, end);
         end += scalar.length;
-        if (!visit(shown(scalar.value), end)) {
+        const bool isOfFlag = isInFlag && isTag(scalar.value);
+        isInFlag = scalar.value == flag || (isOfFlag && scalar.value != endOfTags);
+        if (!visit(isOfFlag ? scalar.value : shown(scalar.value), end)) {
             return;
         }
     }

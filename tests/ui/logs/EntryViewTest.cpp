@@ -87,6 +87,29 @@ TEST(TextSegmentsTest, CutsLinesAndLongLinesWithoutLosingAByte) {
         euros += "\u20AC";
     }
     EXPECT_EQ(TextSegments(euros)[1].substr(0, 3), "\u20AC") << "cut between characters";
+
+    const auto cutAt = [](const std::string& character, std::size_t times) {
+        std::string text(longest - 20, 'x');
+        for (std::size_t i = 0; i < times; ++i) {
+            text += character;
+        }
+        return TextSegments(text + "end")[0].size() - (longest - 20);
+    };
+    EXPECT_EQ(cutAt("\U0001F469\u200D\U0001F4BB", 3), 11U) << "one person at a computer, not half of the second";
+    EXPECT_EQ(cutAt("e\u0301", 10), 18U);
+    EXPECT_EQ(cutAt("\u0628\u0627", 10), 20U) << "after an alef, which doesn't join the next letter";
+    EXPECT_EQ(cutAt("\u0628\u0628\u0627", 10), 18U);
+    EXPECT_EQ(cutAt("\u0628\u064E", 10), 0U) << "in front of a word that is all joined";
+    EXPECT_EQ(TextSegments([] {
+                  std::string beh;
+                  while (beh.size() <= longest) {
+                      beh += "\u0628";
+                  }
+                  return beh;
+              }())[0]
+                  .size(),
+              longest)
+        << "unless it is the whole line";
 }
 
 TEST(DisplayTextTest, HidesNothingAndMovesNothing) {
@@ -95,7 +118,9 @@ TEST(DisplayTextTest, HidesNothingAndMovesNothing) {
              {{"\0\x1B[31m\r\x7F\t|", 10}, QStringLiteral("\u2400\u241B[31m\u240D\u2421\t|")},
              {"a\u202Eb\u2066c\u200Fd\u061C", QStringLiteral("a\uFFFDb\uFFFDc\uFFFDd\uFFFD")},
              {"a\u2028b\u2029c\u0085d\uFFFC", QStringLiteral("a\uFFFDb\uFFFDc\uFFFDd\uFFFD")},
-             {"\uFEFFa\u200Bb\u00ADc\U000E0041d", QStringLiteral("\uFFFDa\uFFFDb\uFFFDc\uFFFDd")},
+             {"\uFEFFa\u200Bb\U000E0041d", QStringLiteral("\uFFFDa\uFFFDb\uFFFDd")},
+             {"co\u00ADop \U0001F3F4\U000E0067\U000E0062\U000E007F\U000E0062",
+              QStringLiteral("co\u00ADop \U0001F3F4\U000E0067\U000E0062\U000E007F\uFFFD")},
              {"\u2764\uFE0F \u0646\u200C\u0647", QStringLiteral("\u2764\uFE0F \u0646\u200C\u0647")},
              {"\xFF\xC3(\xE2\x82", QStringLiteral("\uFFFD\uFFFD(\uFFFD")},
              {"Gr\u00FC\u00DFe \u05E9\u05DC\u05D5\u05DD \U0001F512", QStringLiteral("Grüße שלום 🔒")},
