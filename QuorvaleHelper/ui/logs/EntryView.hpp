@@ -77,8 +77,8 @@ public:
     /// Leaves what is selected with the clipboard, if anything is.
     void copy() const;
 
-    /// Marks what that search finds, or nothing any more.
-    void mark(std::optional<TextSearch> search);
+    /// Marks what that search finds.
+    void mark(TextSearch search);
 
     /// Selects a match and brings it into sight.
     void showMatch(TextSearch::Match match);
@@ -153,7 +153,7 @@ private:
     bool isFollowing_ = false;        ///< The scroll bar is being set to where the text is.
 
     TextSelection selection_;
-    std::optional<TextSearch> search_;
+    TextSearch search_;
     std::optional<qreal> column_; ///< that moving by lines keeps to
     QElapsedTimer sinceDoubleClick_;
     QPoint doubleClick_;

@@ -277,7 +277,7 @@ void EntryView::offerSelection() const {
     }
 }
 
-void EntryView::mark(std::optional<TextSearch> search) {
+void EntryView::mark(TextSearch search) {
     search_ = std::move(search);
     viewport()->update();
 }
@@ -300,13 +300,13 @@ QList<QTextLayout::FormatRange> EntryView::formats(std::size_t segment) const {
         const auto last = unitsShowing(bytes, std::min(to, end) - start);
         return &ranges.emplace_back(QTextLayout::FormatRange{.start = first, .length = last - first, .format = {}});
     };
-    if (search_) {
+    if (!search_.isEmpty()) {
         // One that began in a piece before is painted there only.
-        const auto near = segments_.text().substr(0, std::min(end + search_->longest(), segments_.text().size()));
+        const auto near = segments_.text().substr(0, std::min(end + search_.longest(), segments_.text().size()));
         auto color = palette().color(QPalette::Highlight);
         color.setAlphaF(0.3F);
-        for (auto match = search_->next(near, start); match && match->begin < end;
-             match = search_->next(near, match->end)) {
+        for (auto match = search_.next(near, start); match && match->begin < end;
+             match = search_.next(near, match->end)) {
             if (auto* const range = add(match->begin, match->end)) {
                 range->format.setBackground(color);
             }
@@ -314,7 +314,7 @@ QList<QTextLayout::FormatRange> EntryView::formats(std::size_t segment) const {
     }
     if (auto* const range = add(selection_.begin(), selection_.end())) {
         // A match is shown as selected while the keyboard is where it is looked for.
-        const auto group = hasFocus() || search_ ? QPalette::Active : QPalette::Inactive;
+        const auto group = hasFocus() || !search_.isEmpty() ? QPalette::Active : QPalette::Inactive;
         range->format.setBackground(palette().brush(group, QPalette::Highlight));
         range->format.setForeground(palette().brush(group, QPalette::HighlightedText));
         // A line feed that is selected is seen as the rest of its line.

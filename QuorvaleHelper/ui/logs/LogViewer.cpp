@@ -70,7 +70,7 @@ LogViewer::LogViewer(LogStore& logs, platform::queue::MainQueue& mainQueue, std:
 
     entriesChanges_ = platform::observable::objectDidChange(logs, mainQueue_, [this] {
         entryView_->setItems(joined(logs_));
-        if (search_) {
+        if (!findBar_->isHidden()) {
             search();
         }
     });
@@ -91,52 +91,54 @@ void LogViewer::openFindBar() {
 
 void LogViewer::closeFindBar() {
     findBar_->hide();
-    search_.reset();
-    count_ = 0;
-    entryView_->mark({});
+    search_ = TextSearch();
+    entryView_->mark(search_);
     entryView_->setFocus(Qt::OtherFocusReason);
 }
 
 void LogViewer::search() {
-    const auto wanted = findBar_->text();
-    search_ = wanted.empty() ? std::nullopt : std::optional<TextSearch>(std::in_place, wanted, findBar_->letters());
+    search_ = TextSearch(findBar_->text(), findBar_->letters());
     entryView_->mark(search_);
-    count_ = search_ ? search_->count(text()) : 0;
+    count_ = search_.count(text());
     before_ = 0;
     place_ = 0;
-    if (count_ == 0) {
-        findBar_->showCount(0, 0);
-    } else {
-        // What was found stays found while more of it is written.
-        showFirst(search_->next(text(), entryView_->selection().begin()), search_->next(text(), 0));
-    }
+    findBar_->showCount(0, count_);
+    // What was found stays found while more of it is written.
+    showNextFrom(entryView_->selection().begin());
 }
 
 void LogViewer::showNext() {
     if (findBar_->isHidden()) {
         openFindBar();
-    } else if (count_ > 0) {
-        showFirst(search_->next(text(), entryView_->selection().end()), search_->next(text(), 0));
+    } else {
+        showNextFrom(entryView_->selection().end());
     }
 }
 
 void LogViewer::showPrevious() {
     if (findBar_->isHidden()) {
         openFindBar();
-    } else if (count_ > 0) {
-        showFirst(search_->previous(text(), entryView_->selection().begin()), search_->previous(text(), text().size()));
+    } else {
+        const auto match = search_.previous(text(), entryView_->selection().begin());
+        showMatch(match ? match : search_.previous(text(), text().size()));
     }
 }
 
-void LogViewer::showFirst(const std::optional<TextSearch::Match>& match,
-                          const std::optional<TextSearch::Match>& fromOtherEnd) {
-    const auto begin = (match ? match : fromOtherEnd)->begin;
+void LogViewer::showNextFrom(std::size_t place) {
+    const auto match = search_.next(text(), place);
+    showMatch(match ? match : search_.next(text(), 0));
+}
+
+void LogViewer::showMatch(const std::optional<TextSearch::Match>& match) {
+    if (!match) {
+        return;
+    }
     // Matches are numbered from the last one that was shown, which is near, as a rule.
-    const auto [first, last] = std::minmax(begin, place_);
-    const auto between = search_->count(text().substr(first, last - first));
-    before_ = begin > place_ ? before_ + between : before_ - between;
-    place_ = begin;
-    entryView_->showMatch(*(match ? match : fromOtherEnd));
+    const auto [first, last] = std::minmax(match->begin, place_);
+    const auto between = search_.count(text().substr(first, last - first));
+    before_ = match->begin > place_ ? before_ + between : before_ - between;
+    place_ = match->begin;
+    entryView_->showMatch(*match);
     findBar_->showCount(before_ + 1, count_);
 }
 

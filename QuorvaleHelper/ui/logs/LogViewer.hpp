@@ -41,13 +41,14 @@ private:
     void search();
     void showNext();
     void showPrevious();
-    void showFirst(const std::optional<TextSearch::Match>& match, const std::optional<TextSearch::Match>& fromOtherEnd);
+    void showNextFrom(std::size_t place);
+    void showMatch(const std::optional<TextSearch::Match>& match);
 
     LogStore& logs_;
     platform::queue::MainQueue& mainQueue_;
     EntryView* entryView_;
     FindBar* findBar_;
-    std::optional<TextSearch> search_;
+    TextSearch search_;
     std::size_t count_ = 0;
     std::size_t place_ = 0;  ///< of the match that was shown last
     std::size_t before_ = 0; ///< how many matches are before that

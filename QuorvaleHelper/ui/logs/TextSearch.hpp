@@ -22,7 +22,9 @@ public:
     };
 
     /// `wanted` is UTF-8, or any bytes. Nothing is found by an empty one.
-    TextSearch(std::string_view wanted, Case letters);
+    explicit TextSearch(std::string_view wanted = {}, Case letters = Case::Matched);
+
+    [[nodiscard]] bool isEmpty() const { return wanted_.empty(); }
 
     /// The first match that begins at `from` or later.
     [[nodiscard]] std::optional<Match> next(std::string_view text, std::size_t from) const;
