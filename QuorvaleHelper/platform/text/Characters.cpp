@@ -8,21 +8,21 @@ namespace quorvale::platform::text {
 
 namespace {
 
-constexpr std::int32_t replacement = 0xFFFD;
+constexpr char32_t replacement = U'\uFFFD';
 
-struct Scalar {
-    std::int32_t value;
-    std::size_t length; ///< in bytes
-};
-
-bool isASCII(std::int32_t value) {
+bool isASCII(char32_t value) {
     return value < 0x80;
 }
 
-/// The scalar value that begins at `offset`; U+FFFD for a maximal subpart of an ill-formed subsequence (Unicode
-/// Standard, table 3-7). utf8proc's own reader doesn't tell where such a subpart ends.
+utf8proc_int32_t codepoint(char32_t value) {
+    return static_cast<utf8proc_int32_t>(value);
+}
+
+} // namespace
+
+// utf8proc's own reader doesn't tell where a maximal subpart ends: Unicode Standard, table 3-7.
 Scalar scalarAt(std::string_view text, std::size_t offset) {
-    const auto byte = [&](std::size_t index) { return std::int32_t{static_cast<std::uint8_t>(text[offset + index])}; };
+    const auto byte = [&](std::size_t index) { return char32_t{static_cast<std::uint8_t>(text[offset + index])}; };
     const auto continues = [&](std::size_t index) {
         return offset + index < text.size() && (byte(index) & 0xC0) == 0x80;
     };
@@ -55,11 +55,13 @@ Scalar scalarAt(std::string_view text, std::size_t offset) {
                         : Scalar{.value = replacement, .length = 3};
 }
 
+namespace {
+
 /// Whether there is always a break between this one and another plain one (rule GB999): it is neither a control nor any
 /// of what the other rules are about. Asking this is faster than asking for a break.
-bool isPlain(std::int32_t value) {
+bool isPlain(char32_t value) {
     return isASCII(value) ? value >= ' ' && value != 0x7F
-                          : utf8proc_get_property(value)->boundclass == UTF8PROC_BOUNDCLASS_OTHER;
+                          : utf8proc_get_property(codepoint(value))->boundclass == UTF8PROC_BOUNDCLASS_OTHER;
 }
 
 /// Walks a text from one character to the next.
@@ -125,7 +127,7 @@ private:
         }
     }
 
-    bool breaksBetween(std::int32_t left, std::int32_t right) {
+    bool breaksBetween(char32_t left, char32_t right) {
         const bool leftIsPlain = left_ == Left::Plain;
         if (leftIsPlain && isPlain(right)) {
             state_ = 0;
@@ -133,7 +135,7 @@ private:
         }
         // A copy, so that the compiler may keep the rest of the cursor in registers.
         auto state = state_;
-        const bool breaks = utf8proc_grapheme_break_stateful(left, right, &state);
+        const bool breaks = utf8proc_grapheme_break_stateful(codepoint(left), codepoint(right), &state);
         state_ = state;
         // Where breaks don't follow each other, as between flags, asking for plainness is not worth it.
         const bool rightIsPlain = breaks && left_ == Left::AfterBreak && isPlain(right);
@@ -192,8 +194,16 @@ std::optional<std::string> characterAt(std::size_t position, std::string_view te
     return wellFormed(text.substr(begin, cursor.offset() - begin));
 }
 
+std::size_t characterLength(std::string_view text) {
+    Cursor cursor(text);
+    if (!cursor.atEnd()) {
+        cursor.next();
+    }
+    return cursor.offset();
+}
+
 bool isDefaultIgnorable(char32_t character) {
-    return utf8proc_get_property(static_cast<utf8proc_int32_t>(character))->ignorable != 0;
+    return utf8proc_get_property(codepoint(character))->ignorable != 0;
 }
 
 } // namespace quorvale::platform::text

@@ -16,6 +16,19 @@ namespace quorvale::platform::text {
 /// well-formed, and a truncated sequence is one character, to which combining marks after it belong.
 std::optional<std::string> characterAt(std::size_t position, std::string_view text);
 
+/// How many bytes the first such character of `text` has; 0 of an empty text. Any thread.
+std::size_t characterLength(std::string_view text);
+
+/// A Unicode scalar value and the bytes that it was read from.
+struct Scalar {
+    char32_t value;
+    std::size_t length;
+};
+
+/// The scalar value of UTF-8 that begins at `offset`, which is before the text's end. U+FFFD for a maximal subpart of
+/// an ill-formed subsequence, as above. Any thread.
+Scalar scalarAt(std::string_view text, std::size_t offset);
+
 /// Whether a character shows nothing where it isn't supported: Default_Ignorable_Code_Point of Unicode Standard Annex
 /// #44. Any thread.
 bool isDefaultIgnorable(char32_t character);

@@ -19,5 +19,41 @@
         <source></source>
         <translation>غير محمي</translation>
     </message>
+    <message id="Copy">
+        <source></source>
+        <translation>نسخ</translation>
+    </message>
+    <message id="Select All">
+        <source></source>
+        <translation>تحديد الكل</translation>
+    </message>
+    <message id="Find">
+        <source></source>
+        <translation>بحث</translation>
+    </message>
+    <message id="Find...">
+        <source></source>
+        <translation>بحث...</translation>
+    </message>
+    <message id="Previous">
+        <source></source>
+        <translation>السابق</translation>
+    </message>
+    <message id="Next">
+        <source></source>
+        <translation>التالي</translation>
+    </message>
+    <message id="Match Case">
+        <source></source>
+        <translation>مطابقة حالة الأحرف</translation>
+    </message>
+    <message id="No Matches">
+        <source></source>
+        <translation>لا توجد نتائج</translation>
+    </message>
+    <message id="%1 of %2">
+        <source></source>
+        <translation>%1 من %2</translation>
+    </message>
 </context>
 </TS>

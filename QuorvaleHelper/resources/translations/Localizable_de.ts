@@ -19,5 +19,41 @@
         <source></source>
         <translation>Nicht geschützt</translation>
     </message>
+    <message id="Copy">
+        <source></source>
+        <translation>Kopieren</translation>
+    </message>
+    <message id="Select All">
+        <source></source>
+        <translation>Alles auswählen</translation>
+    </message>
+    <message id="Find">
+        <source></source>
+        <translation>Suchen</translation>
+    </message>
+    <message id="Find...">
+        <source></source>
+        <translation>Suchen...</translation>
+    </message>
+    <message id="Previous">
+        <source></source>
+        <translation>Vorheriger</translation>
+    </message>
+    <message id="Next">
+        <source></source>
+        <translation>Nächster</translation>
+    </message>
+    <message id="Match Case">
+        <source></source>
+        <translation>Groß-/Kleinschreibung beachten</translation>
+    </message>
+    <message id="No Matches">
+        <source></source>
+        <translation>Keine Treffer</translation>
+    </message>
+    <message id="%1 of %2">
+        <source></source>
+        <translation>%1 von %2</translation>
+    </message>
 </context>
 </TS>

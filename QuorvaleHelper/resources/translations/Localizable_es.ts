@@ -19,5 +19,41 @@
         <source></source>
         <translation>Sin protección</translation>
     </message>
+    <message id="Copy">
+        <source></source>
+        <translation>Copiar</translation>
+    </message>
+    <message id="Select All">
+        <source></source>
+        <translation>Seleccionar todo</translation>
+    </message>
+    <message id="Find">
+        <source></source>
+        <translation>Buscar</translation>
+    </message>
+    <message id="Find...">
+        <source></source>
+        <translation>Buscar...</translation>
+    </message>
+    <message id="Previous">
+        <source></source>
+        <translation>Anterior</translation>
+    </message>
+    <message id="Next">
+        <source></source>
+        <translation>Siguiente</translation>
+    </message>
+    <message id="Match Case">
+        <source></source>
+        <translation>Distinguir mayúsculas</translation>
+    </message>
+    <message id="No Matches">
+        <source></source>
+        <translation>Sin coincidencias</translation>
+    </message>
+    <message id="%1 of %2">
+        <source></source>
+        <translation>%1 de %2</translation>
+    </message>
 </context>
 </TS>

@@ -19,5 +19,41 @@
         <source></source>
         <translation>Non protégé</translation>
     </message>
+    <message id="Copy">
+        <source></source>
+        <translation>Copier</translation>
+    </message>
+    <message id="Select All">
+        <source></source>
+        <translation>Tout sélectionner</translation>
+    </message>
+    <message id="Find">
+        <source></source>
+        <translation>Rechercher</translation>
+    </message>
+    <message id="Find...">
+        <source></source>
+        <translation>Rechercher...</translation>
+    </message>
+    <message id="Previous">
+        <source></source>
+        <translation>Précédent</translation>
+    </message>
+    <message id="Next">
+        <source></source>
+        <translation>Suivant</translation>
+    </message>
+    <message id="Match Case">
+        <source></source>
+        <translation>Respecter la casse</translation>
+    </message>
+    <message id="No Matches">
+        <source></source>
+        <translation>Aucun résultat</translation>
+    </message>
+    <message id="%1 of %2">
+        <source></source>
+        <translation>%1 sur %2</translation>
+    </message>
 </context>
 </TS>

@@ -19,5 +19,41 @@
         <source></source>
         <translation>保護されていません</translation>
     </message>
+    <message id="Copy">
+        <source></source>
+        <translation>コピー</translation>
+    </message>
+    <message id="Select All">
+        <source></source>
+        <translation>すべて選択</translation>
+    </message>
+    <message id="Find">
+        <source></source>
+        <translation>検索</translation>
+    </message>
+    <message id="Find...">
+        <source></source>
+        <translation>検索...</translation>
+    </message>
+    <message id="Previous">
+        <source></source>
+        <translation>前へ</translation>
+    </message>
+    <message id="Next">
+        <source></source>
+        <translation>次へ</translation>
+    </message>
+    <message id="Match Case">
+        <source></source>
+        <translation>大文字と小文字を区別</translation>
+    </message>
+    <message id="No Matches">
+        <source></source>
+        <translation>一致なし</translation>
+    </message>
+    <message id="%1 of %2">
+        <source></source>
+        <translation>%1 / %2</translation>
+    </message>
 </context>
 </TS>

@@ -89,6 +89,7 @@ EntryView::EntryView(Items items, QWidget* parent)
       items_(std::move(items)),
       segments_(*items_.front()),
       heights_(0, [](std::size_t) { return 1; }),
+      selection_(segments_),
       outline_(new Outline(*this)) {
     EntryViewAccessible::install();
     setFrameShape(NoFrame);
@@ -96,6 +97,7 @@ EntryView::EntryView(Items items, QWidget* parent)
     setFocusPolicy(Qt::StrongFocus);
     viewport()->setBackgroundRole(QPalette::Base);
     viewport()->setForegroundRole(QPalette::Text);
+    viewport()->setCursor(Qt::IBeamCursor);
     auto& beside = *verticalScrollBar()->parentWidget();
     beside.installEventFilter(this);
     beside.setBackgroundRole(QPalette::Base);
@@ -107,6 +109,9 @@ EntryView::EntryView(Items items, QWidget* parent)
 void EntryView::setItems(Items items) {
     items_ = std::move(items);
     segments_ = TextSegments(*items_.front());
+    selection_ = TextSelection(segments_);
+    column_.reset();
+    dragScrolling_.stop();
     top_ = 0;
     hidden_ = 0;
     announcedTop_.reset();
@@ -136,7 +141,7 @@ QRect EntryView::rectOf(Position position) {
     return {};
 }
 
-EntryView::Position EntryView::positionAt(QPoint point) {
+EntryView::Position EntryView::positionAt(QPoint point, QTextLine::CursorPosition nearest) {
     auto [segment, y] = firstPainted();
     for (; segment + 1 < segments_.size() && point.y() >= y + heightOf(segment); ++segment) {
         y += heightOf(segment);
@@ -146,7 +151,7 @@ EntryView::Position EntryView::positionAt(QPoint point) {
     for (int next = 1; next < layout.lineCount() && point.y() >= y + layout.lineAt(next).y(); ++next) {
         line = layout.lineAt(next);
     }
-    return {segment, line.xToCursor(point.x() - padding, QTextLine::CursorOnCharacter)};
+    return {segment, line.xToCursor(point.x() - padding, nearest)};
 }
 
 bool EntryView::event(QEvent* event) {
@@ -173,7 +178,7 @@ void EntryView::paintEvent(QPaintEvent* /*event*/) {
     }
     for (auto [segment, y] = firstPainted(); segment < segments_.size() && y < viewport()->height();
          y += heightOf(segment), ++segment) {
-        layoutOf(segment).draw(&painter, QPointF(padding, y));
+        layoutOf(segment).draw(&painter, QPointF(padding, y), formats(segment));
     }
 }
 
@@ -201,7 +206,14 @@ void EntryView::scrollContentsBy(int /*dx*/, int /*dy*/) {
 }
 
 void EntryView::keyPressEvent(QKeyEvent* event) {
-    if (event->matches(QKeySequence::MoveToStartOfLine) || event->matches(QKeySequence::MoveToStartOfDocument)) {
+    if (event->matches(QKeySequence::Copy)) {
+        copy();
+    } else if (event->matches(QKeySequence::SelectAll)) {
+        select(0, segments_.text().size());
+        offerSelection();
+    } else if (const auto caret = movedCaret(*event)) {
+        extendTo(*caret);
+    } else if (event->matches(QKeySequence::MoveToStartOfLine) || event->matches(QKeySequence::MoveToStartOfDocument)) {
         verticalScrollBar()->triggerAction(QAbstractSlider::SliderToMinimum);
     } else if (event->matches(QKeySequence::MoveToEndOfLine) || event->matches(QKeySequence::MoveToEndOfDocument)) {
         verticalScrollBar()->triggerAction(QAbstractSlider::SliderToMaximum);

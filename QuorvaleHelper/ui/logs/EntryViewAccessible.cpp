@@ -2,9 +2,9 @@
 
 #include "ui/logs/BlockSums.hpp"
 #include "ui/logs/displayText.hpp"
+#include "ui/logs/rangeAround.hpp"
 
 #include <QPointer>
-#include <QTextBoundaryFinder>
 
 #include <algorithm>
 #include <limits>
@@ -17,20 +17,6 @@ namespace quorvale::ui::logs {
 namespace {
 
 using Position = EntryView::Position;
-
-/// What lies around a place in a text, from a boundary to the next.
-std::pair<int, int> rangeAround(const QString& text, int at, QAccessible::TextBoundaryType boundary) {
-    if (boundary != QAccessible::CharBoundary && boundary != QAccessible::WordBoundary) {
-        return {0, static_cast<int>(text.size())};
-    }
-    QTextBoundaryFinder finder(
-        boundary == QAccessible::CharBoundary ? QTextBoundaryFinder::Grapheme : QTextBoundaryFinder::Word, text);
-    finder.setPosition(at);
-    const auto start = finder.isAtBoundary() ? at : static_cast<int>(finder.toPreviousBoundary());
-    finder.setPosition(at);
-    const auto end = finder.toNextBoundary();
-    return {start, end < 0 ? static_cast<int>(text.size()) : static_cast<int>(end)};
-}
 
 } // namespace
 
@@ -131,8 +117,11 @@ public:
 
     void scrollToSubstring(int start, int /*end*/) override { view_->scrollTo(at(start).segment); }
 
-    // There is no caret: reading starts at what is visible.
-    [[nodiscard]] int cursorPosition() const override { return offset({view_->firstVisible(), 0}); }
+    // Where nothing is selected there is no caret: reading starts at what is visible.
+    [[nodiscard]] int cursorPosition() const override {
+        const auto& selection = view_->selection();
+        return selection.isEmpty() ? offset({view_->firstVisible(), 0}) : offset(view_->positionOf(selection.caret()));
+    }
 
     void setCursorPosition(int offset) override { scrollToSubstring(offset, offset); }
 
@@ -142,15 +131,25 @@ public:
         return {};
     }
 
-    void selection(int /*index*/, int* start, int* end) const override { *start = *end = 0; }
+    void selection(int index, int* start, int* end) const override {
+        *start = *end = 0;
+        if (index < selectionCount()) {
+            *start = offset(view_->positionOf(view_->selection().begin()));
+            *end = offset(view_->positionOf(view_->selection().end()));
+        }
+    }
 
-    [[nodiscard]] int selectionCount() const override { return 0; }
+    [[nodiscard]] int selectionCount() const override { return view_->selection().isEmpty() ? 0 : 1; }
 
-    void addSelection(int /*start*/, int /*end*/) override {}
+    void addSelection(int start, int end) override { view_->select(byte(start), byte(end)); }
 
-    void removeSelection(int /*index*/) override {}
+    void removeSelection(int index) override {
+        if (index < selectionCount()) {
+            view_->select(view_->selection().caret(), view_->selection().caret());
+        }
+    }
 
-    void setSelection(int /*index*/, int /*start*/, int /*end*/) override {}
+    void setSelection(int /*index*/, int start, int end) override { addSelection(start, end); }
 
 private:
     [[nodiscard]] QString shown(std::size_t segment) const {
@@ -183,13 +182,22 @@ private:
         return {segment, static_cast<int>(within - sums().before(segment))};
     }
 
+    [[nodiscard]] std::size_t byte(int offset) const { return view_->offsetOf(at(offset)); }
+
     [[nodiscard]] std::pair<int, int> around(int offset, QAccessible::TextBoundaryType boundary) const {
         if (boundary == QAccessible::NoBoundary) {
             return {0, characterCount()};
         }
         const auto [segment, unit] = at(offset);
         const auto start = this->offset({segment, 0});
-        const auto [from, to] = rangeAround(shown(segment), unit, boundary);
+        const auto text = shown(segment);
+        auto range = std::pair(0, static_cast<int>(text.size()));
+        if (boundary == QAccessible::CharBoundary) {
+            range = rangeAround(text, unit, QTextBoundaryFinder::Grapheme);
+        } else if (boundary == QAccessible::WordBoundary) {
+            range = rangeAround(text, unit, QTextBoundaryFinder::Word);
+        }
+        const auto [from, to] = range;
         return {start + from, start + to};
     }
 
@@ -222,6 +230,19 @@ void EntryViewAccessible::announceScrolling(EntryView& view) {
     QAccessible::updateAccessibility(&name);
     QAccessibleTextCursorEvent caret(row, row->textInterface()->cursorPosition());
     QAccessible::updateAccessibility(&caret);
+}
+
+void EntryViewAccessible::announceSelection(EntryView& view) {
+    if (!QAccessible::isActive()) {
+        return;
+    }
+    auto* const row = QAccessible::queryAccessibleInterface(&view)->child(0);
+    int start = 0;
+    int end = 0;
+    row->textInterface()->selection(0, &start, &end);
+    QAccessibleTextSelectionEvent selected(row, start, end);
+    selected.setCursorPosition(row->textInterface()->cursorPosition());
+    QAccessible::updateAccessibility(&selected);
 }
 
 EntryViewAccessible::EntryViewAccessible(EntryView& view)

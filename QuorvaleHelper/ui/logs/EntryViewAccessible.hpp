@@ -18,6 +18,9 @@ public:
     /// Tells of another visible piece of the text, which is the row's name, and of the caret that goes with it.
     static void announceScrolling(EntryView& view);
 
+    /// Tells what is selected now.
+    static void announceSelection(EntryView& view);
+
     explicit EntryViewAccessible(EntryView& view);
     ~EntryViewAccessible() override;
     EntryViewAccessible(const EntryViewAccessible&) = delete;

@@ -3,6 +3,8 @@
 #include "ui/logs/displayText.hpp"
 
 #include <QAccessible>
+#include <QApplication>
+#include <QClipboard>
 #include <QScrollBar>
 #include <QTest>
 #include <gtest/gtest.h>
@@ -85,6 +87,29 @@ TEST(TextSegmentsTest, CutsLinesAndLongLinesWithoutLosingAByte) {
         euros += "\u20AC";
     }
     EXPECT_EQ(TextSegments(euros)[1].substr(0, 3), "\u20AC") << "cut between characters";
+
+    const auto cutAt = [](const std::string& character, std::size_t times) {
+        std::string text(longest - 20, 'x');
+        for (std::size_t i = 0; i < times; ++i) {
+            text += character;
+        }
+        return TextSegments(text + "end")[0].size() - (longest - 20);
+    };
+    EXPECT_EQ(cutAt("\U0001F469\u200D\U0001F4BB", 3), 11U) << "one person at a computer, not half of the second";
+    EXPECT_EQ(cutAt("e\u0301", 10), 18U);
+    EXPECT_EQ(cutAt("\u0628\u0627", 10), 20U) << "after an alef, which doesn't join the next letter";
+    EXPECT_EQ(cutAt("\u0628\u0628\u0627", 10), 18U);
+    EXPECT_EQ(cutAt("\u0628\u064E", 10), 0U) << "in front of a word that is all joined";
+    EXPECT_EQ(TextSegments([] {
+                  std::string beh;
+                  while (beh.size() <= longest) {
+                      beh += "\u0628";
+                  }
+                  return beh;
+              }())[0]
+                  .size(),
+              longest)
+        << "unless it is the whole line";
 }
 
 TEST(DisplayTextTest, HidesNothingAndMovesNothing) {
@@ -93,13 +118,28 @@ TEST(DisplayTextTest, HidesNothingAndMovesNothing) {
              {{"\0\x1B[31m\r\x7F\t|", 10}, QStringLiteral("\u2400\u241B[31m\u240D\u2421\t|")},
              {"a\u202Eb\u2066c\u200Fd\u061C", QStringLiteral("a\uFFFDb\uFFFDc\uFFFDd\uFFFD")},
              {"a\u2028b\u2029c\u0085d\uFFFC", QStringLiteral("a\uFFFDb\uFFFDc\uFFFDd\uFFFD")},
-             {"\uFEFFa\u200Bb\u00ADc\U000E0041d", QStringLiteral("\uFFFDa\uFFFDb\uFFFDc\uFFFDd")},
+             {"\uFEFFa\u200Bb\U000E0041d", QStringLiteral("\uFFFDa\uFFFDb\uFFFDd")},
+             {"co\u00ADop \U0001F3F4\U000E0067\U000E0062\U000E007F\U000E0062",
+              QStringLiteral("co\u00ADop \U0001F3F4\U000E0067\U000E0062\U000E007F\uFFFD")},
              {"\u2764\uFE0F \u0646\u200C\u0647", QStringLiteral("\u2764\uFE0F \u0646\u200C\u0647")},
-             {"\xFF\xC3(\xE2\x82", QStringLiteral("\uFFFD\uFFFD(\uFFFD\uFFFD")},
+             {"\xFF\xC3(\xE2\x82", QStringLiteral("\uFFFD\uFFFD(\uFFFD")},
              {"Gr\u00FC\u00DFe \u05E9\u05DC\u05D5\u05DD \U0001F512", QStringLiteral("Grüße שלום 🔒")},
          }) {
         EXPECT_EQ(displayText(bytes), shown) << bytes;
     }
+}
+
+TEST(DisplayTextTest, TellsWhichBytesEachOfItsUnitsShows) {
+    const std::string_view text("a\u20AC\U0001F512\U000E0041\xE2\x82|\xFF", 16);
+    const std::pair<std::size_t, int> places[] = {{0, 0}, {1, 1}, {4, 2}, {8, 4}, {12, 5}, {14, 6}, {15, 7}, {16, 8}};
+    EXPECT_EQ(displayText(text).size(), 8);
+    for (const auto& [bytes, units] : places) {
+        EXPECT_EQ(unitsShowing(text, bytes), units);
+        EXPECT_EQ(bytesShownIn(text, units), bytes);
+    }
+    EXPECT_EQ(unitsShowing(text, 3), 1) << "of a part of a character, nothing is shown";
+    EXPECT_EQ(bytesShownIn(text, 3), 4U) << "the half of a pair shows nothing";
+    EXPECT_EQ(bytesShownIn(text, 100), text.size());
 }
 
 TEST(EntryViewTest, ReachesBothEndsExactlyAndMovesByPixelsBetween) {
@@ -196,6 +236,103 @@ TEST(EntryViewTest, HasRoundCornersWithTheTextInside) {
     EXPECT_EQ(image.pixelColor(4, 150), QColor(Qt::blue));
 }
 
+TEST(EntryViewTest, SelectsWithTheMouseByCharactersWordsAndLines) {
+    const auto owner = shown("first words\nsecond \U0001F512 line\nthird");
+    auto& view = *owner;
+    auto& port = *view.viewport();
+    const auto before = [&](std::size_t segment, int unit) {
+        const auto rect = view.rectOf({segment, unit});
+        return QPoint(rect.left() + 1, rect.center().y());
+    };
+    const auto selected = [&] { return std::string(view.selection().text()); };
+    QTest::mousePress(&port, Qt::LeftButton, {}, before(0, 6));
+    QTest::mouseMove(&port, before(1, 9));
+    EXPECT_EQ(selected(), "words\nsecond \U0001F512");
+    QTest::mouseMove(&port, before(0, 2));
+    EXPECT_EQ(selected(), "rst ") << "and back over where it began";
+    QTest::mouseRelease(&port, Qt::LeftButton, {}, before(0, 2));
+    QTest::mouseClick(&port, Qt::LeftButton, Qt::ShiftModifier, before(1, 2));
+    EXPECT_EQ(selected(), "words\nse");
+    QTest::mouseClick(&port, Qt::LeftButton, {}, before(1, 0));
+    EXPECT_EQ(selected(), "");
+
+    QTest::mouseDClick(&port, Qt::LeftButton, {}, before(1, 2));
+    EXPECT_EQ(selected(), "second");
+    QTest::mousePress(&port, Qt::LeftButton, {}, before(1, 2));
+    EXPECT_EQ(selected(), "second \U0001F512 line") << "the third click";
+    QTest::mouseMove(&port, before(0, 3));
+    EXPECT_EQ(selected(), "first words\nsecond \U0001F512 line") << "whole lines";
+    QTest::mouseRelease(&port, Qt::LeftButton, {}, before(0, 3));
+    view.setItems(itemsOf("other"));
+    EXPECT_EQ(selected(), "");
+}
+
+TEST(EntryViewTest, SelectsWithTheKeyboardAndKeepsTheCaretInSight) {
+    const auto owner = shown(numbered(2000));
+    auto& view = *owner;
+    const auto selected = [&] { return std::string(view.selection().text()); };
+    const auto press = [&](Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::ShiftModifier) {
+        QTest::keyClick(&view, key, modifiers);
+    };
+    view.select(302, 302);
+    press(Qt::Key_Right);
+    EXPECT_EQ(selected(), "1");
+    press(Qt::Key_Left);
+    press(Qt::Key_Left);
+    EXPECT_EQ(selected(), "\n") << "backwards over the line's end";
+    view.select(302, 302);
+    press(Qt::Key_Right, Qt::ShiftModifier | Qt::ControlModifier);
+    EXPECT_EQ(selected(), "1 ");
+    press(Qt::Key_Down);
+    press(Qt::Key_Down);
+    EXPECT_EQ(selected(), "1 short\n2 short\n3 ") << "keeps its column";
+    press(Qt::Key_End);
+    EXPECT_EQ(selected(), "1 short\n2 short\n3 short");
+    press(Qt::Key_Up);
+    press(Qt::Key_Home);
+    EXPECT_EQ(selected(), "1 short\n");
+    for (int page = 0; page < 10; ++page) {
+        press(Qt::Key_PageDown);
+        EXPECT_FALSE(view.rectOf(view.positionOf(view.selection().caret())).isNull()) << page;
+    }
+    press(Qt::Key_End, Qt::ShiftModifier | Qt::ControlModifier);
+    EXPECT_EQ(view.selection().end(), view.segments().text().size());
+    EXPECT_EQ(bottomOfLast(view), view.viewport()->height() - padding);
+    press(Qt::Key_Home, Qt::ShiftModifier | Qt::ControlModifier);
+    EXPECT_EQ(topOf(view, 0), padding);
+    EXPECT_EQ(view.selection().begin(), 0U);
+    EXPECT_EQ(view.selection().end(), 302U);
+}
+
+TEST(EntryViewTest, CopiesWhatWasLoggedNotWhatIsShown) {
+    const std::string text = "\x1B[31m <b>\u202E\n\u00E4\n";
+    const auto owner = shown(text);
+    auto& view = *owner;
+    auto& clipboard = *QApplication::clipboard();
+    clipboard.setText(QStringLiteral("before"));
+    QTest::keySequence(&view, QKeySequence::Copy);
+    EXPECT_EQ(clipboard.text(), QStringLiteral("before")) << "nothing is selected";
+    QTest::keySequence(&view, QKeySequence::SelectAll);
+    QTest::keySequence(&view, QKeySequence::Copy);
+    EXPECT_EQ(clipboard.text().toStdString(), text);
+}
+
+TEST(EntryViewTest, PaintsWhatIsSelectedUpToTheListsEdgeOverALinesEnd) {
+    QPalette palette;
+    palette.setColor(QPalette::Highlight, Qt::red);
+    const auto owner = shown("one\ntwo");
+    auto& view = *owner;
+    view.setPalette(palette);
+    view.select(0, 5);
+    const auto image = view.viewport()->grab().toImage();
+    const auto first = view.rectOf({0, 0});
+    const auto second = view.rectOf({1, 0});
+    EXPECT_EQ(image.pixelColor(first.topLeft()), QColor(Qt::red));
+    EXPECT_EQ(image.pixelColor(350, first.top()), QColor(Qt::red));
+    EXPECT_EQ(image.pixelColor(second.topLeft()), QColor(Qt::red));
+    EXPECT_NE(image.pixelColor(350, second.top()), QColor(Qt::red));
+}
+
 TEST(EntryViewTest, GivesScreenReadersTheRowAsText) {
     const std::string text = "first\nsecond \U0001F512 word\n\n" + std::string(3000, 'x') + "\nlast";
     const auto owner = shown(text);
@@ -221,6 +358,15 @@ TEST(EntryViewTest, GivesScreenReadersTheRowAsText) {
     EXPECT_EQ(content.textBeforeOffset(offset, QAccessible::LineBoundary, &start, &end), QStringLiteral("first\n"));
     EXPECT_EQ(content.textAfterOffset(offset, QAccessible::LineBoundary, &start, &end), QStringLiteral("\n"));
     EXPECT_EQ(content.offsetAtPoint(content.characterRect(offset).center()), offset);
+
+    EXPECT_EQ(content.selectionCount(), 0);
+    content.setSelection(0, 6, 18);
+    content.selection(0, &start, &end);
+    EXPECT_EQ(std::pair(start, end), std::pair(6, 18));
+    EXPECT_EQ(content.cursorPosition(), 18);
+    EXPECT_EQ(view.selection().text(), "second \U0001F512 wo");
+    content.removeSelection(0);
+    EXPECT_EQ(content.selectionCount(), 0);
 
     const auto last = static_cast<int>(whole.size()) - 2;
     view.resize(400, 100);

@@ -3,9 +3,13 @@
 #include "support/RecordedLog.hpp"
 #include "support/waitUntil.hpp"
 #include "ui/logs/EntryView.hpp"
+#include "ui/logs/FindBar.hpp"
 
 #include <QApplication>
+#include <QCheckBox>
+#include <QLabel>
 #include <QLayout>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QTest>
 #include <gtest/gtest.h>
@@ -128,6 +132,53 @@ TEST_F(LogViewerTest, KeepsTheListAndDoneInsideThePaddingAtEverySize) {
     const LogViewer large(logs, mainQueue, [] {});
     EXPECT_GT(large.findChild<QPushButton*>()->width(), QFontMetrics(font).horizontalAdvance(QStringLiteral("Done")));
     QApplication::setFont({}, "QPushButton");
+}
+
+TEST_F(LogViewerTest, FindsTextsInABarThatComesAndGoes) {
+    given->messages = {"Agent one", "none", "agent two"};
+    viewer.show();
+    ASSERT_TRUE(tests::waitUntil([&] { return text().ends_with("agent two"); }));
+    auto& bar = *viewer.findChild<FindBar*>();
+    const auto listHeight = list().height();
+    EXPECT_FALSE(bar.isVisible());
+    const auto& count = *bar.findChild<QLabel*>();
+    const auto line = [&] {
+        const auto& segments = list().segments();
+        return std::pair(segments.at(list().selection().begin()), std::string(list().selection().text()));
+    };
+    using Line = std::pair<std::size_t, std::string>;
+    viewer.activateWindow();
+    QTest::keySequence(&list(), QKeySequence::Find);
+    ASSERT_TRUE(bar.isVisible());
+    auto& field = *bar.findChild<QLineEdit*>();
+    EXPECT_TRUE(field.hasFocus());
+    QTest::keyClicks(&field, QStringLiteral("agent"));
+    EXPECT_EQ(line(), Line(0, "Agent"));
+    EXPECT_EQ(count.text(), QStringLiteral("1 of 2"));
+    QTest::keyClick(&field, Qt::Key_Return);
+    EXPECT_EQ(line(), Line(2, "agent"));
+    EXPECT_EQ(count.text(), QStringLiteral("2 of 2"));
+    QTest::keyClick(&field, Qt::Key_Return);
+    EXPECT_EQ(line(), Line(0, "Agent")) << "around the end";
+    EXPECT_EQ(count.text(), QStringLiteral("1 of 2"));
+    QTest::keyClick(&field, Qt::Key_Return, Qt::ShiftModifier);
+    EXPECT_EQ(line(), Line(2, "agent"));
+    EXPECT_EQ(count.text(), QStringLiteral("2 of 2"));
+    bar.findChild<QCheckBox*>()->setChecked(true);
+    EXPECT_EQ(count.text(), QStringLiteral("1 of 1"));
+    QTest::keyClicks(&field, QStringLiteral("s"));
+    EXPECT_EQ(count.text(), QStringLiteral("No Matches"));
+    QTest::keyClick(&field, Qt::Key_Return);
+    EXPECT_EQ(line(), Line(2, "agent")) << "nothing is found, nothing else is shown";
+    EXPECT_EQ(field.text(), QStringLiteral("agents"));
+
+    QTest::keyClick(&field, Qt::Key_Escape);
+    EXPECT_FALSE(bar.isVisible());
+    EXPECT_TRUE(list().hasFocus());
+    viewer.layout()->activate();
+    EXPECT_EQ(list().height(), listHeight);
+    QTest::keySequence(&list(), QKeySequence::Find);
+    EXPECT_EQ(field.text(), QStringLiteral("agent")) << "what is selected is looked for";
 }
 
 } // namespace quorvale::ui::logs
