@@ -55,5 +55,17 @@
         <source></source>
         <translation>%1 من %2</translation>
     </message>
+    <message id="Save Log">
+        <source></source>
+        <translation>حفظ السجل</translation>
+    </message>
+    <message id="Save...">
+        <source></source>
+        <translation>حفظ...</translation>
+    </message>
+    <message id="The log could not be saved.">
+        <source></source>
+        <translation>تعذّر حفظ السجل.</translation>
+    </message>
 </context>
 </TS>

@@ -55,5 +55,17 @@
         <source></source>
         <translation>%1 von %2</translation>
     </message>
+    <message id="Save Log">
+        <source></source>
+        <translation>Protokoll speichern</translation>
+    </message>
+    <message id="Save...">
+        <source></source>
+        <translation>Speichern...</translation>
+    </message>
+    <message id="The log could not be saved.">
+        <source></source>
+        <translation>Das Protokoll konnte nicht gespeichert werden.</translation>
+    </message>
 </context>
 </TS>

@@ -55,5 +55,17 @@
         <source></source>
         <translation>%1 de %2</translation>
     </message>
+    <message id="Save Log">
+        <source></source>
+        <translation>Guardar el registro</translation>
+    </message>
+    <message id="Save...">
+        <source></source>
+        <translation>Guardar...</translation>
+    </message>
+    <message id="The log could not be saved.">
+        <source></source>
+        <translation>No se pudo guardar el registro.</translation>
+    </message>
 </context>
 </TS>

@@ -55,5 +55,17 @@
         <source></source>
         <translation>%1 sur %2</translation>
     </message>
+    <message id="Save Log">
+        <source></source>
+        <translation>Enregistrer le journal</translation>
+    </message>
+    <message id="Save...">
+        <source></source>
+        <translation>Enregistrer...</translation>
+    </message>
+    <message id="The log could not be saved.">
+        <source></source>
+        <translation>Le journal n’a pas pu être enregistré.</translation>
+    </message>
 </context>
 </TS>

@@ -55,5 +55,17 @@
         <source></source>
         <translation>%1 / %2</translation>
     </message>
+    <message id="Save Log">
+        <source></source>
+        <translation>ログを保存</translation>
+    </message>
+    <message id="Save...">
+        <source></source>
+        <translation>保存...</translation>
+    </message>
+    <message id="The log could not be saved.">
+        <source></source>
+        <translation>ログを保存できませんでした。</translation>
+    </message>
 </context>
 </TS>

@@ -87,6 +87,9 @@ Q_SIGNALS:
     /// A person asks to look for a text.
     void findWanted();
 
+    /// Or to save it.
+    void saveWanted();
+
 protected:
     bool event(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;

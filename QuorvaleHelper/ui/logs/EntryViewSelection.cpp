@@ -138,6 +138,9 @@ void EntryView::contextMenuEvent(QContextMenuEvent* event) {
     all->setEnabled(!segments_.text().empty());
     menu.addSeparator();
     menu.addAction(common::localized("Find..."), this, &EntryView::findWanted)->setShortcut(QKeySequence::Find);
+    auto* const saving = menu.addAction(common::localized("Save..."), this, &EntryView::saveWanted);
+    saving->setShortcut(QKeySequence::Save);
+    saving->setEnabled(!segments_.text().empty());
     menu.exec(event->globalPos());
 }
 

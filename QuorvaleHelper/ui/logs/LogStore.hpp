@@ -19,7 +19,7 @@ public:
     struct Collaborators {
         /// Whose messages are listed; names that differ in letter case are different ones.
         std::array<std::string, 3> subsystems;
-        /// Takes the line about a read that failed.
+        /// Takes the line about what failed.
         const platform::log::Logger& logger;
         std::unique_ptr<LogReader> reader;
         /// Asked at each load: people travel, and change their settings.
@@ -30,6 +30,8 @@ public:
 
     /// Never null. Whoever shows the lines shares them; a list once published never changes.
     [[nodiscard]] const std::shared_ptr<const LogLines>& entries() const { return entries_.get(); }
+
+    [[nodiscard]] const platform::log::Logger& logger() const { return collaborators_.logger; }
 
     /// Reads the log and replaces the list by what it says, in one change. If it can't be read, that is one error line
     /// and no change. Takes the calling thread until all is read.

@@ -5,6 +5,7 @@
 #include "ui/logs/DoneButton.hpp"
 #include "ui/logs/EntryView.hpp"
 #include "ui/logs/FindBar.hpp"
+#include "ui/logs/saveLog.hpp"
 
 #include <QPointer>
 #include <QShortcut>
@@ -59,10 +60,12 @@ LogViewer::LogViewer(LogStore& logs, platform::queue::MainQueue& mainQueue, std:
 
     for (const auto& [key, wish] : {std::pair(QKeySequence::Find, &LogViewer::openFindBar),
                                     {QKeySequence::FindNext, &LogViewer::showNext},
-                                    {QKeySequence::FindPrevious, &LogViewer::showPrevious}}) {
+                                    {QKeySequence::FindPrevious, &LogViewer::showPrevious},
+                                    {QKeySequence::Save, &LogViewer::save}}) {
         connect(new QShortcut(key, this), &QShortcut::activated, this, wish);
     }
     connect(entryView_, &EntryView::findWanted, this, &LogViewer::openFindBar);
+    connect(entryView_, &EntryView::saveWanted, this, &LogViewer::save);
     connect(findBar_, &FindBar::wantedChanged, this, &LogViewer::search);
     connect(findBar_, &FindBar::nextWanted, this, &LogViewer::showNext);
     connect(findBar_, &FindBar::previousWanted, this, &LogViewer::showPrevious);
@@ -94,6 +97,12 @@ void LogViewer::closeFindBar() {
     search_ = TextSearch();
     entryView_->mark(search_);
     entryView_->setFocus(Qt::OtherFocusReason);
+}
+
+void LogViewer::save() {
+    if (!text().empty()) {
+        saveLog(*this, entryView_->items().front(), logs_.logger());
+    }
 }
 
 void LogViewer::search() {

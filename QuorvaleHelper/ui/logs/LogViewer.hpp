@@ -19,7 +19,7 @@ class FindBar;
 
 /// The content of the log window: all lines of `logs` as one text, and the button "Done". Each time it is shown it
 /// shows the lines that are there and asks for a new reading of the log; nothing is read while it stays open. A bar to
-/// look for a text comes under the list when it is asked for, and goes again.
+/// look for a text comes under the list when it is asked for, and goes again; what is shown can be saved to a file.
 class LogViewer final : public QWidget {
     Q_OBJECT
 
@@ -37,6 +37,7 @@ private:
     [[nodiscard]] std::string_view text() const;
     void openFindBar();
     void closeFindBar();
+    void save();
     /// Looks for what the bar says in the text as it is now.
     void search();
     void showNext();

@@ -7,12 +7,20 @@
 
 #include <QApplication>
 #include <QCheckBox>
+#include <QDir>
+#include <QFile>
+#include <QFileDialog>
+#include <QFileInfo>
 #include <QLabel>
 #include <QLayout>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QPushButton>
+#include <QTemporaryDir>
 #include <QTest>
 #include <gtest/gtest.h>
+
+#include <algorithm>
 
 namespace quorvale::ui::logs {
 
@@ -179,6 +187,59 @@ TEST_F(LogViewerTest, FindsTextsInABarThatComesAndGoes) {
     EXPECT_EQ(list().height(), listHeight);
     QTest::keySequence(&list(), QKeySequence::Find);
     EXPECT_EQ(field.text(), QStringLiteral("agent")) << "what is selected is looked for";
+}
+
+TEST_F(LogViewerTest, SavesWhatIsShownWholeOrNotAtAll) {
+    const QTemporaryDir folder;
+    const auto path = folder.filePath(QStringLiteral("-$HOME \"${x}\" %n.log"));
+    const auto contents = [](const QString& name) {
+        QFile file(name);
+        return file.open(QIODevice::ReadOnly) ? file.readAll().toStdString() : "nothing";
+    };
+    const auto failures = [&] {
+        return std::ranges::count_if(
+            log.lines(), [](const std::string& line) { return line.starts_with("error: Failed to save the log: "); });
+    };
+    const auto saveTo = [&](const QString& name) {
+        viewer.activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&viewer));
+        QTest::keySequence(&viewer, QKeySequence::Save);
+        auto* const dialog = viewer.findChild<QFileDialog*>();
+        ASSERT_NE(dialog, nullptr);
+        Q_EMIT dialog->fileSelected(name);
+        delete dialog;
+    };
+    viewer.show();
+    viewer.activateWindow();
+    QTest::keySequence(&viewer, QKeySequence::Save);
+    EXPECT_EQ(viewer.findChild<QFileDialog*>(), nullptr) << "there is nothing to save";
+    given->messages = {"a\xff\xc2\xad", std::string(1 << 20, 'x')};
+    viewer.hide();
+    viewer.show();
+    ASSERT_TRUE(tests::waitUntil([&] { return text().ends_with('x'); }));
+    const auto expected = *list().items().front() + "\n";
+    saveTo(path);
+    EXPECT_TRUE(tests::waitUntil([&] { return contents(path) == expected; }));
+    EXPECT_EQ(QFile::permissions(path) & QFile::ReadOther, QFile::Permissions());
+
+    const auto link = folder.filePath(QStringLiteral("link"));
+    const auto other = folder.filePath(QStringLiteral("other"));
+    ASSERT_TRUE(QFile(other).open(QIODevice::WriteOnly) && QFile::link(other, link));
+    saveTo(link);
+    EXPECT_TRUE(tests::waitUntil([&] { return contents(other) == expected; }));
+    EXPECT_TRUE(QFileInfo(link).isSymLink());
+
+    ASSERT_TRUE(QDir(folder.path()).mkdir(QStringLiteral("taken")));
+    for (const auto* name : {"taken", "no/where"}) {
+        const auto before = failures();
+        saveTo(folder.filePath(QString::fromLatin1(name)));
+        EXPECT_TRUE(tests::waitUntil([&] { return failures() == before + 1; }));
+        auto* const message = viewer.findChild<QMessageBox*>();
+        ASSERT_NE(message, nullptr);
+        EXPECT_EQ(message->textFormat(), Qt::PlainText);
+        delete message;
+    }
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot).size(), 4);
 }
 
 } // namespace quorvale::ui::logs
