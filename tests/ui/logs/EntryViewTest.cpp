@@ -339,9 +339,16 @@ TEST(EntryViewTest, GivesScreenReadersTheRowAsText) {
     auto& view = *owner;
     auto* const list = QAccessible::queryAccessibleInterface(&view);
     EXPECT_EQ(list->role(), QAccessible::List);
-    EXPECT_EQ(list->childCount(), 1);
+    ASSERT_EQ(list->childCount(), 2);
+    for (int index = 0; index < 2; ++index) {
+        EXPECT_EQ(list->indexOfChild(list->child(index)), index);
+        EXPECT_EQ(list->child(index)->parent(), list);
+    }
+    EXPECT_EQ(list->child(2), nullptr);
+    EXPECT_EQ(list->child(1)->child(0)->role(), QAccessible::ScrollBar);
     auto& row = *list->child(0);
     EXPECT_EQ(row.role(), QAccessible::ListItem);
+    EXPECT_EQ(list->childAt(row.rect().center().x(), row.rect().center().y()), &row);
     EXPECT_TRUE(row.text(QAccessible::Name).startsWith(QStringLiteral("first\nsecond")));
     auto& content = *row.textInterface();
     const auto whole = QString::fromStdString(text);
