@@ -96,14 +96,22 @@ TEST_F(AccessibilityTest, ReadsTheOpenWindowHearsEachStatusAndPressesItsButtons)
 }
 
 TEST_F(AccessibilityTest, ReadsTheLogAndClosesIt) {
+    for (int line = 0; line < 40; ++line) {
+        helper.notify(R"({"running":true,"restart":false,"terminate":false})");
+    }
     session.openLog();
     EXPECT_TRUE(reader.waitForLine("window:activate 0 frame 'Log'"));
-    // The list's one row has the lines, of which this is the last.
-    const auto lastLine = testing::EndsWith("Quorvale Helper launched' focused");
+    EXPECT_TRUE(reader.waitForLine("object:state-changed:focused 1 list item '"));
+    // The list's one row has the lines that are in view, of which this is the last.
+    const auto lastLine = testing::EndsWith("Received notification: true' focused");
     EXPECT_TRUE(tests::waitUntil([&] { return testing::Value(tree(), testing::Contains(lastLine)); }));
     const auto objects = tree();
-    EXPECT_THAT(objects, testing::Contains(testing::StartsWith("has list 'Log'")));
+    EXPECT_THAT(objects, testing::Contains(testing::EndsWith(" focused")).Times(1)) << "not the list as well";
+    EXPECT_THAT(objects, testing::Contains("has list 'Log'"));
     EXPECT_THAT(objects, testing::Contains(testing::StartsWith("has list item '[")));
+    EXPECT_THAT(objects, testing::Contains("has scroll bar ''"));
+    session.press("End");
+    EXPECT_TRUE(reader.waitForLine("object:property-change:accessible-value 0 scroll bar ''"));
     press("push button 'Done'");
     const auto theWindow = testing::Contains(testing::StartsWith("has frame 'Log'"));
     EXPECT_TRUE(tests::waitUntil([&] { return testing::Value(tree(), testing::Not(theWindow)); }));

@@ -60,8 +60,9 @@ void onEvent(AtspiEvent* event, void* /*data*/) {
 
 void listen() {
     auto* const listener = atspi_event_listener_new(onEvent, nullptr, nullptr);
-    for (const auto* const kind : {"object:announcement", "object:property-change:accessible-name",
-                                   "object:state-changed:focused", "window:activate"}) {
+    for (const auto* const kind :
+         {"object:announcement", "object:property-change:accessible-name", "object:property-change:accessible-value",
+          "object:state-changed:focused", "window:activate"}) {
         atspi_event_listener_register(listener, kind, nullptr);
     }
 }

@@ -23,8 +23,9 @@ PrivateBus::PrivateBus(const std::string& unownableName) {
         << R"(<policy context="default"><allow send_destination="*" eavesdrop="true"/>)"
         << R"(<allow eavesdrop="true"/><allow own="*"/><deny own=")" << unownableName << R"("/></policy></busconfig>)";
     std::ofstream(directory_ / "startable.service")
-        << "[D-BUS Service]\nName=" << startableName << "\nExec=/usr/bin/setpriv --pdeathsig KILL /bin/sh -c \"touch "
-        << (directory_ / "started").string() << " && exec sleep infinity\"\n";
+        << "[D-BUS Service]\nName=" << startableName
+        << "\nExec=/usr/bin/setpriv --pdeathsig KILL /bin/sh -c \"dbus-send --type=method_call --bus=" << address()
+        << " --dest=" << listenerName << " / org.example.Start.started && exec sleep infinity\"\n";
     std::ofstream(directory_ / "unstartable.service")
         << "[D-BUS Service]\nName=" << unstartableName << "\nExec=/bin/sh -c \"sleep 0.1; exit 1\"\n";
     start();
@@ -37,10 +38,6 @@ PrivateBus::~PrivateBus() {
 
 std::string PrivateBus::address() const {
     return "unix:path=" + (directory_ / "bus").string();
-}
-
-bool PrivateBus::hasStartedAService() const {
-    return std::filesystem::exists(directory_ / "started");
 }
 
 void PrivateBus::start() {

@@ -13,9 +13,10 @@ class PrivateBus {
 public:
     explicit PrivateBus(const std::string& unownableName = {});
 
-    /// The bus starts a process for it, and keeps messages until someone has taken the name.
+    /// The bus starts a process for it, and keeps messages until someone has taken the name. The process calls
+    /// "started" of whoever is the listener.
     static constexpr auto startableName = "org.example.Startable";
-    [[nodiscard]] bool hasStartedAService() const;
+    static constexpr auto listenerName = "org.example.Service";
 
     /// The bus starts a process for it, which ends soon without having taken the name.
     static constexpr auto unstartableName = "org.example.Unstartable";

@@ -94,6 +94,9 @@ EntryView::EntryView(Items items, QWidget* parent)
     EntryViewAccessible::install();
     setFrameShape(NoFrame);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    // The focus is the viewport's, which is the row to assistive technologies: the toolkit tells them of nothing else.
+    viewport()->setFocusProxy(nullptr);
+    setFocusProxy(viewport());
     setFocusPolicy(Qt::StrongFocus);
     viewport()->setBackgroundRole(QPalette::Base);
     viewport()->setForegroundRole(QPalette::Text);
@@ -116,8 +119,6 @@ void EntryView::setItems(Items items) {
     hidden_ = 0;
     announcedTop_.reset();
     layOutAgain();
-    QAccessibleEvent changed(this, QAccessible::VisibleDataChanged);
-    QAccessible::updateAccessibility(&changed);
 }
 
 void EntryView::scrollTo(std::size_t segment) {
@@ -160,6 +161,15 @@ bool EntryView::event(QEvent* event) {
         outline_->setGeometry(rect());
     }
     return taken;
+}
+
+bool EntryView::viewportEvent(QEvent* event) {
+    if (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut) {
+        const auto reason = static_cast<QFocusEvent*>(event)->reason();
+        outline_->setFocusShown(event->type() == QEvent::FocusIn &&
+                                (reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason));
+    }
+    return QAbstractScrollArea::viewportEvent(event);
 }
 
 bool EntryView::eventFilter(QObject* watched, QEvent* event) {
@@ -209,8 +219,7 @@ void EntryView::keyPressEvent(QKeyEvent* event) {
     if (event->matches(QKeySequence::Copy)) {
         copy();
     } else if (event->matches(QKeySequence::SelectAll)) {
-        select(0, segments_.text().size());
-        offerSelection();
+        selectAll();
     } else if (const auto caret = movedCaret(*event)) {
         extendTo(*caret);
     } else if (event->matches(QKeySequence::MoveToStartOfLine) || event->matches(QKeySequence::MoveToStartOfDocument)) {
@@ -220,14 +229,6 @@ void EntryView::keyPressEvent(QKeyEvent* event) {
     } else {
         QAbstractScrollArea::keyPressEvent(event);
     }
-}
-
-void EntryView::focusInEvent(QFocusEvent* event) {
-    outline_->setFocusShown(event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason);
-}
-
-void EntryView::focusOutEvent(QFocusEvent* /*event*/) {
-    outline_->setFocusShown(false);
 }
 
 void EntryView::changeEvent(QEvent* event) {

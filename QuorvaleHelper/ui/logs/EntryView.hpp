@@ -12,10 +12,12 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
 #include <unordered_map>
+#include <utility>
 
 namespace quorvale::ui::logs {
 
@@ -92,6 +94,7 @@ Q_SIGNALS:
 
 protected:
     bool event(QEvent* event) override;
+    bool viewportEvent(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
@@ -104,8 +107,6 @@ protected:
     void mouseReleaseEvent(QMouseEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     void timerEvent(QTimerEvent* event) override;
-    void focusInEvent(QFocusEvent* event) override;
-    void focusOutEvent(QFocusEvent* event) override;
     void changeEvent(QEvent* event) override;
 
 private:
@@ -136,6 +137,7 @@ private:
     void dragTo(QPoint point);
     void showSelection();
     void reveal(std::size_t offset);
+    void selectAll();
     void offerSelection() const;
     /// What of a segment is painted unlike the rest: matches and, over them, what is selected.
     [[nodiscard]] QList<QTextLayout::FormatRange> formats(std::size_t segment) const;

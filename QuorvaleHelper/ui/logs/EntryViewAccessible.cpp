@@ -5,10 +5,14 @@
 #include "ui/logs/rangeAround.hpp"
 
 #include <QPointer>
+#include <QScrollBar>
 
 #include <algorithm>
+#include <cstdint>
 #include <limits>
+#include <memory>
 #include <optional>
+#include <string>
 #include <tuple>
 #include <utility>
 
@@ -18,28 +22,20 @@ namespace {
 
 using Position = EntryView::Position;
 
+void announceCaret(QAccessibleInterface& row) {
+    QAccessibleTextCursorEvent moved(&row, row.textInterface()->cursorPosition());
+    QAccessible::updateAccessibility(&moved);
+}
+
 } // namespace
 
-/// The list's one item. Offsets count the UTF-16 units of what is shown, and one for each line feed.
-class EntryViewAccessible::Row final : public QAccessibleInterface, public QAccessibleTextInterface {
+/// The list's one item, which is what the list has in view. Offsets count the UTF-16 units of what is shown, and one
+/// for each line feed.
+class EntryViewAccessible::Row final : public QAccessibleWidget, public QAccessibleTextInterface {
 public:
-    explicit Row(EntryView& view) : view_(&view) {}
+    explicit Row(EntryView& view) : QAccessibleWidget(view.viewport(), QAccessible::ListItem), view_(&view) {}
 
-    [[nodiscard]] bool isValid() const override { return !view_.isNull(); }
-
-    [[nodiscard]] QObject* object() const override { return nullptr; }
-
-    [[nodiscard]] QWindow* window() const override { return view_->window()->windowHandle(); }
-
-    [[nodiscard]] QAccessibleInterface* parent() const override { return QAccessible::queryAccessibleInterface(view_); }
-
-    [[nodiscard]] QAccessibleInterface* child(int /*index*/) const override { return nullptr; }
-
-    [[nodiscard]] int childCount() const override { return 0; }
-
-    int indexOfChild(const QAccessibleInterface* /*child*/) const override { return -1; }
-
-    [[nodiscard]] QAccessibleInterface* childAt(int /*x*/, int /*y*/) const override { return nullptr; }
+    [[nodiscard]] bool isValid() const override { return QAccessibleWidget::isValid() && !view_.isNull(); }
 
     /// The name is what is visible: that of all the text would be too long to be spoken, or even to be sent.
     [[nodiscard]] QString text(QAccessible::Text kind) const override {
@@ -54,26 +50,16 @@ public:
         return visible.trimmed();
     }
 
-    void setText(QAccessible::Text /*kind*/, const QString& /*text*/) override {}
-
-    [[nodiscard]] QRect rect() const override {
-        return {view_->viewport()->mapToGlobal(QPoint()), view_->viewport()->size()};
-    }
-
-    [[nodiscard]] QAccessible::Role role() const override { return QAccessible::ListItem; }
-
     [[nodiscard]] QAccessible::State state() const override {
-        QAccessible::State state;
+        auto state = QAccessibleWidget::state();
         state.readOnly = true;
         state.multiLine = true;
-        state.invisible = !view_->isVisible();
-        state.focusable = true;
-        state.focused = view_->hasFocus();
         return state;
     }
 
     void* interface_cast(QAccessible::InterfaceType type) override {
-        return type == QAccessible::TextInterface ? static_cast<QAccessibleTextInterface*>(this) : nullptr;
+        return type == QAccessible::TextInterface ? static_cast<QAccessibleTextInterface*>(this)
+                                                  : QAccessibleWidget::interface_cast(type);
     }
 
     [[nodiscard]] int characterCount() const override {
@@ -214,8 +200,11 @@ private:
 void EntryViewAccessible::install() {
     [[maybe_unused]] static const bool once = [] {
         QAccessible::installFactory([](const QString& /*className*/, QObject* object) -> QAccessibleInterface* {
-            auto* const view = qobject_cast<EntryView*>(object);
-            return view ? new EntryViewAccessible(*view) : nullptr;
+            if (auto* const view = qobject_cast<EntryView*>(object)) {
+                return new EntryViewAccessible(*view);
+            }
+            auto* const parent = qobject_cast<EntryView*>(object->parent());
+            return parent && parent->viewport() == object ? new Row(*parent) : nullptr;
         });
         return true;
     }();
@@ -225,53 +214,58 @@ void EntryViewAccessible::announceScrolling(EntryView& view) {
     if (!QAccessible::isActive()) {
         return;
     }
-    auto* const row = QAccessible::queryAccessibleInterface(&view)->child(0);
+    auto* const row = QAccessible::queryAccessibleInterface(view.viewport());
     QAccessibleEvent name(row, QAccessible::NameChanged);
     QAccessible::updateAccessibility(&name);
-    QAccessibleTextCursorEvent caret(row, row->textInterface()->cursorPosition());
-    QAccessible::updateAccessibility(&caret);
+    announceCaret(*row);
 }
 
 void EntryViewAccessible::announceSelection(EntryView& view) {
     if (!QAccessible::isActive()) {
         return;
     }
-    auto* const row = QAccessible::queryAccessibleInterface(&view)->child(0);
+    auto* const row = QAccessible::queryAccessibleInterface(view.viewport());
     int start = 0;
     int end = 0;
     row->textInterface()->selection(0, &start, &end);
     QAccessibleTextSelectionEvent selected(row, start, end);
     selected.setCursorPosition(row->textInterface()->cursorPosition());
     QAccessible::updateAccessibility(&selected);
+    announceCaret(*row);
 }
 
-EntryViewAccessible::EntryViewAccessible(EntryView& view)
-    : QAccessibleWidget(&view, QAccessible::List), row_(new Row(view)) {
-    QAccessible::registerAccessibleInterface(row_);
-}
+EntryViewAccessible::EntryViewAccessible(EntryView& view) : QAccessibleWidget(&view, QAccessible::List) {}
 
-EntryViewAccessible::~EntryViewAccessible() {
-    QAccessible::deleteAccessibleInterface(QAccessible::uniqueId(row_));
+QAccessible::State EntryViewAccessible::state() const {
+    auto state = QAccessibleWidget::state();
+    state.focusable = false;
+    state.focused = false;
+    return state;
 }
 
 int EntryViewAccessible::childCount() const {
-    return 1;
+    return static_cast<int>(children().size());
 }
 
 QAccessibleInterface* EntryViewAccessible::child(int index) const {
-    return index == 0 ? row_ : nullptr;
+    const auto widgets = children();
+    return index >= 0 && index < childCount() ? QAccessible::queryAccessibleInterface(widgets[index]) : nullptr;
 }
 
 int EntryViewAccessible::indexOfChild(const QAccessibleInterface* child) const {
-    return child == row_ ? 0 : -1;
+    const auto widgets = children();
+    const auto* const found = std::ranges::find(widgets, child->object());
+    return found == widgets.end() ? -1 : static_cast<int>(found - widgets.begin());
 }
 
 QAccessibleInterface* EntryViewAccessible::focusChild() const {
-    return row_->state().focused ? row_ : nullptr;
+    auto* const row = child(0);
+    return row->state().focused ? row : nullptr;
 }
 
-QAccessibleInterface* EntryViewAccessible::childAt(int x, int y) const {
-    return row_->rect().contains(x, y) ? row_ : nullptr;
+std::array<QWidget*, 2> EntryViewAccessible::children() const {
+    const auto& view = static_cast<const EntryView&>(*widget());
+    return {view.viewport(), view.verticalScrollBar()->parentWidget()};
 }
 
 } // namespace quorvale::ui::logs

@@ -4,12 +4,13 @@
 
 #include <QAccessibleWidget>
 
-#include <memory>
+#include <array>
 
 namespace quorvale::ui::logs {
 
-/// What assistive technologies see of an `EntryView`: a list with one item, which has the row's text. The text is
-/// measured once it is asked for by offsets, which takes some tenths of a second for a hundred megabytes.
+/// What assistive technologies see of an `EntryView`: a list with one item, which has the row's text and the focus, and
+/// what holds the scroll bar. The text is measured once it is asked for by offsets, which takes some tenths of a second
+/// for a hundred megabytes.
 class EntryViewAccessible final : public QAccessibleWidget {
 public:
     /// Has every `EntryView` of the process described by this class.
@@ -18,23 +19,22 @@ public:
     /// Tells of another visible piece of the text, which is the row's name, and of the caret that goes with it.
     static void announceScrolling(EntryView& view);
 
-    /// Tells what is selected now.
+    /// Tells what is selected now, and where the caret is.
     static void announceSelection(EntryView& view);
 
     explicit EntryViewAccessible(EntryView& view);
-    ~EntryViewAccessible() override;
-    EntryViewAccessible(const EntryViewAccessible&) = delete;
-    EntryViewAccessible& operator=(const EntryViewAccessible&) = delete;
 
+    [[nodiscard]] QAccessible::State state() const override;
     [[nodiscard]] int childCount() const override;
     [[nodiscard]] QAccessibleInterface* child(int index) const override;
     int indexOfChild(const QAccessibleInterface* child) const override;
-    [[nodiscard]] QAccessibleInterface* childAt(int x, int y) const override;
     [[nodiscard]] QAccessibleInterface* focusChild() const override;
 
 private:
     class Row;
-    Row* row_; ///< Qt's, until it is given back by its identifier.
+
+    /// The row, and the scroll bar's frame, which is there but not visible when all of the text is.
+    [[nodiscard]] std::array<QWidget*, 2> children() const;
 };
 
 } // namespace quorvale::ui::logs

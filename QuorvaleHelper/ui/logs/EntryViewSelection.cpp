@@ -11,12 +11,12 @@
 #include <QMenu>
 #include <QMimeData>
 #include <QMouseEvent>
-#include <QScrollBar>
 #include <QTextCharFormat>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
+#include <optional>
+#include <string_view>
 #include <utility>
 
 namespace quorvale::ui::logs {
@@ -49,6 +49,11 @@ void EntryView::select(std::size_t from, std::size_t caret) {
     selection_.extendTo(caret);
     column_.reset();
     showSelection();
+}
+
+void EntryView::selectAll() {
+    select(0, segments_.text().size());
+    offerSelection();
 }
 
 void EntryView::copy() const {
@@ -132,8 +137,7 @@ void EntryView::contextMenuEvent(QContextMenuEvent* event) {
     auto* const copying = menu.addAction(common::localized("Copy"), this, &EntryView::copy);
     copying->setShortcut(QKeySequence::Copy);
     copying->setEnabled(!selection_.isEmpty());
-    auto* const all =
-        menu.addAction(common::localized("Select All"), this, [this] { select(0, segments_.text().size()); });
+    auto* const all = menu.addAction(common::localized("Select All"), this, &EntryView::selectAll);
     all->setShortcut(QKeySequence::SelectAll);
     all->setEnabled(!segments_.text().empty());
     menu.addSeparator();
@@ -145,37 +149,42 @@ void EntryView::contextMenuEvent(QContextMenuEvent* event) {
 }
 
 std::optional<std::size_t> EntryView::movedCaret(const QKeyEvent& event) {
+    const auto is = [&](QKeySequence::StandardKey key) { return event.matches(key); };
     const auto caret = selection_.caret();
-    const auto lineAround = [&] {
+    const auto page = std::max(textHeight() / QFontMetrics(font()).height() - 1, 1);
+    const auto lines = is(QKeySequence::SelectNextLine)       ? 1
+                       : is(QKeySequence::SelectPreviousLine) ? -1
+                       : is(QKeySequence::SelectNextPage)     ? page
+                       : is(QKeySequence::SelectPreviousPage) ? -page
+                                                              : 0;
+    if (lines != 0) {
+        return placeLinesBelow(caret, lines);
+    }
+    column_.reset();
+    if (is(QKeySequence::SelectNextChar)) {
+        return nextPlace(caret, QTextLayout::SkipCharacters);
+    }
+    if (is(QKeySequence::SelectPreviousChar)) {
+        return previousPlace(caret, QTextLayout::SkipCharacters);
+    }
+    if (is(QKeySequence::SelectNextWord)) {
+        return nextPlace(caret, QTextLayout::SkipWords);
+    }
+    if (is(QKeySequence::SelectPreviousWord)) {
+        return previousPlace(caret, QTextLayout::SkipWords);
+    }
+    if (is(QKeySequence::SelectStartOfDocument)) {
+        return 0;
+    }
+    if (is(QKeySequence::SelectEndOfDocument)) {
+        return segments_.text().size();
+    }
+    if (const auto isStart = is(QKeySequence::SelectStartOfLine); isStart || is(QKeySequence::SelectEndOfLine)) {
         const auto [segment, unit] = positionOf(caret);
         const auto line = layoutOf(segment).lineForTextPosition(unit);
-        return std::pair(Position{segment, line.textStart()}, Position{segment, line.textStart() + line.textLength()});
-    };
-    const auto pageLines = std::max(textHeight() / QFontMetrics(font()).height() - 1, 1);
-    const auto isColumnKept =
-        event.matches(QKeySequence::SelectNextLine) || event.matches(QKeySequence::SelectPreviousLine) ||
-        event.matches(QKeySequence::SelectNextPage) || event.matches(QKeySequence::SelectPreviousPage);
-    if (!isColumnKept) {
-        column_.reset();
+        return offsetOf({segment, line.textStart() + (isStart ? 0 : line.textLength())});
     }
-    using Move = std::pair<QKeySequence::StandardKey, std::function<std::size_t()>>;
-    const std::array moves{
-        Move{QKeySequence::SelectNextChar, [&] { return nextPlace(caret, QTextLayout::SkipCharacters); }},
-        Move{QKeySequence::SelectPreviousChar, [&] { return previousPlace(caret, QTextLayout::SkipCharacters); }},
-        Move{QKeySequence::SelectNextWord, [&] { return nextPlace(caret, QTextLayout::SkipWords); }},
-        Move{QKeySequence::SelectPreviousWord, [&] { return previousPlace(caret, QTextLayout::SkipWords); }},
-        Move{QKeySequence::SelectNextLine, [&] { return placeLinesBelow(caret, 1); }},
-        Move{QKeySequence::SelectPreviousLine, [&] { return placeLinesBelow(caret, -1); }},
-        Move{QKeySequence::SelectNextPage, [&] { return placeLinesBelow(caret, pageLines); }},
-        Move{QKeySequence::SelectPreviousPage, [&] { return placeLinesBelow(caret, -pageLines); }},
-        Move{QKeySequence::SelectStartOfLine, [&] { return offsetOf(lineAround().first); }},
-        Move{QKeySequence::SelectEndOfLine, [&] { return offsetOf(lineAround().second); }},
-        Move{QKeySequence::SelectStartOfDocument, [&] { return std::size_t{0}; }},
-        Move{QKeySequence::SelectEndOfDocument, [&] { return segments_.text().size(); }},
-    };
-    const auto* const move =
-        std::ranges::find_if(moves, [&](const Move& candidate) { return event.matches(candidate.first); });
-    return move == moves.end() ? std::nullopt : std::optional(move->second());
+    return std::nullopt;
 }
 
 std::size_t EntryView::nextPlace(std::size_t offset, QTextLayout::CursorMode mode) {

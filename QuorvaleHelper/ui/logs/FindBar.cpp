@@ -20,7 +20,6 @@ FindBar::FindBar()
       matchesCase_(new QCheckBox(common::localized("Match Case"))) {
     field_->setPlaceholderText(common::localized("Find"));
     field_->setAccessibleName(common::localized("Find"));
-    setFocusProxy(field_);
     connect(field_, &QLineEdit::textChanged, this, &FindBar::wantedChanged);
     connect(matchesCase_, &QCheckBox::toggled, this, &FindBar::wantedChanged);
 

@@ -93,10 +93,11 @@ void LogViewer::openFindBar() {
 }
 
 void LogViewer::closeFindBar() {
+    // Before the bar goes, which would give the focus to "Done".
+    entryView_->setFocus(Qt::OtherFocusReason);
     findBar_->hide();
     search_ = TextSearch();
     entryView_->mark(search_);
-    entryView_->setFocus(Qt::OtherFocusReason);
 }
 
 void LogViewer::save() {

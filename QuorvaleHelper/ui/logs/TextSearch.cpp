@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <utility>
+#include <vector>
 
 namespace quorvale::ui::logs {
 
@@ -29,6 +31,22 @@ char32_t folded(char32_t character) {
     return QChar::toCaseFolded(character);
 }
 
+/// Each character that folding changes, with what it becomes. Found once, in a few milliseconds, as Qt can't be asked
+/// which characters fold to one; kept, they take 12 kilobytes.
+const std::vector<std::pair<char32_t, char32_t>>& foldings() {
+    static const auto all = [] {
+        std::vector<std::pair<char32_t, char32_t>> changed;
+        for (char32_t character = 0; character <= QChar::LastValidCodePoint; ++character) {
+            if (const auto fold = folded(character); fold != character) {
+                changed.emplace_back(character, fold);
+            }
+        }
+        changed.shrink_to_fit();
+        return changed;
+    }();
+    return all;
+}
+
 /// The first byte of a character's UTF-8.
 std::size_t firstByte(char32_t character) {
     return character < 0x80      ? character
@@ -48,8 +66,9 @@ TextSearch::TextSearch(std::string_view wanted, Case letters) : wanted_(wanted) 
         at += scalar.length;
         folded_ += folded(scalar.value);
     }
-    for (char32_t character = 0; character <= QChar::LastValidCodePoint; ++character) {
-        if (folded(character) == folded_.front()) {
+    begins_[firstByte(folded_.front())] = true;
+    for (const auto& [character, fold] : foldings()) {
+        if (fold == folded_.front()) {
             begins_[firstByte(character)] = true;
         }
     }

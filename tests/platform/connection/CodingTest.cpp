@@ -1,11 +1,10 @@
 #include "platform/connection/Connection.hpp"
 #include "support/BusPeer.hpp"
 #include "support/PrivateBus.hpp"
-#include "support/blockUntil.hpp"
+#include "support/Record.hpp"
 
 #include <gmock/gmock.h>
 
-#include <atomic>
 #include <cstdlib>
 #include <memory>
 #include <optional>
@@ -20,13 +19,9 @@ namespace {
 constexpr Request<std::string, Dictionary> storeIt{"store", {"values"}};
 
 struct Sink {
-    void take(Dictionary values) {
-        taken = std::move(values);
-        done = true;
-    }
+    void take(Dictionary values) { taken.add(std::move(values)); }
 
-    Dictionary taken;
-    std::atomic<bool> done = false;
+    tests::Record<Dictionary> taken;
 };
 
 } // namespace
@@ -64,32 +59,25 @@ TEST(CodingTest, CarriesEveryPropertyListValueThereAndBack) {
         {"integer", {std::int64_t{1} << 62}},
         {"text", {std::string("plain")}},
     };
-    std::atomic<int> failures = 0;
-    std::atomic<bool> replied = false;
-    const auto proxy = connection->remoteObjectProxyWithErrorHandler([&](const Error&) { ++failures; });
-    proxy.send(storeIt, [&](const std::string& signature) { replied = signature == "a{sv}"; }, values);
+    tests::Record<std::string> outcomes;
+    const auto proxy = connection->remoteObjectProxyWithErrorHandler([&](const Error&) { outcomes.add("failed"); });
+    const auto onReply = [&](const std::string& signature) { outcomes.add(signature); };
+    proxy.send(storeIt, onReply, values);
+    EXPECT_THAT(sink->taken.await(1), testing::ElementsAre(values));
+    EXPECT_THAT(outcomes.await(1), testing::ElementsAre("a{sv}"));
+    proxy.send(storeIt, onReply, {});
+    EXPECT_THAT(outcomes.await(2), testing::ElementsAre("a{sv}", "failed")) << "there is more in the reply";
 
-    EXPECT_TRUE(tests::blockUntil([&] { return replied && sink->done; }));
-    EXPECT_EQ(sink->taken, values);
-    EXPECT_EQ(failures, 0);
-    proxy.send(storeIt, [&](const std::string&) { replied = false; }, {});
-    EXPECT_TRUE(tests::blockUntil([&] { return failures == 1; })) << "there is more in the reply";
-    EXPECT_TRUE(replied);
-
-    std::vector<std::string> errors;
-    std::atomic<std::size_t> taken = 0;
+    tests::Record<std::string> errors;
     service.run([&] {
         const tests::BusPeer::Method take{client, "/client", nullptr, "take"};
-        const auto note = [&](std::string_view error) {
-            errors.emplace_back(error);
-            taken = errors.size();
-        };
+        const auto note = [&](std::string_view error) { errors.add(std::string(error)); };
         service.call(take, note, "a{sv}", 2, "byte", "y", 7, "word", "u", 7);
         service.call(take, note, "a{sv}", 1, "too large", "t", UINT64_MAX);
         service.call(take, note, "a{sv}", 1, "no date", "(s)", "x");
     });
-    EXPECT_TRUE(tests::blockUntil([&] { return taken == 3; }));
-    EXPECT_THAT(errors, testing::UnorderedElementsAre("", SD_BUS_ERROR_INVALID_ARGS, SD_BUS_ERROR_INVALID_ARGS));
+    EXPECT_THAT(errors.await(3),
+                testing::UnorderedElementsAre("", SD_BUS_ERROR_INVALID_ARGS, SD_BUS_ERROR_INVALID_ARGS));
 }
 
 } // namespace quorvale::platform::connection

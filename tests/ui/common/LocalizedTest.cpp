@@ -51,7 +51,7 @@ QSet<QString> keysOfTheSources() {
 
 TEST_F(LocalizedTest, HaveATextForEveryKeyInEveryLanguage) {
     const auto keys = keysOfTheSources();
-    EXPECT_TRUE(keys.contains(QStringLiteral("Unprotected")));
+    EXPECT_TRUE(keys.contains(QStringLiteral("Protected")) && keys.contains(QStringLiteral("Unprotected")));
     for (const auto* const language : {"ar", "de", "es", "fr", "ja"}) {
         QTranslator table;
         ASSERT_TRUE(table.load(QStringLiteral("%1/Localizable_%2.qm").arg(tables, QLatin1String(language))));

@@ -21,6 +21,15 @@ EntryView::Items itemsOf(std::string text) {
     return {std::make_shared<const std::string>(std::move(text))};
 }
 
+/// As many of them as it takes to have `size` bytes.
+std::string repeated(std::string_view text, std::size_t size) {
+    std::string all;
+    while (all.size() < size) {
+        all += text;
+    }
+    return all;
+}
+
 std::string numbered(int lines) {
     std::string text;
     for (int line = 0; line < lines; ++line) {
@@ -53,13 +62,7 @@ int bottomOfLast(EntryView& view) {
 
 TEST(TextSegmentsTest, CutsLinesAndLongLinesWithoutLosingAByte) {
     constexpr auto longest = TextSegments::longest;
-    const std::string words = [] {
-        std::string text;
-        while (text.size() < 3 * longest) {
-            text += "seven ch ";
-        }
-        return text;
-    }();
+    const auto words = repeated("seven ch ", 3 * longest);
     for (const auto& [text, count] : std::initializer_list<std::pair<std::string, std::size_t>>{
              {"", 1},
              {"\n", 2},
@@ -82,34 +85,20 @@ TEST(TextSegmentsTest, CutsLinesAndLongLinesWithoutLosingAByte) {
         EXPECT_EQ(joined, text);
     }
     EXPECT_EQ(TextSegments(words)[0].back(), ' ');
-    std::string euros = "x";
-    while (euros.size() < 3 * longest) {
-        euros += "\u20AC";
-    }
+    const auto euros = 'x' + repeated("\u20AC", 3 * longest);
     EXPECT_EQ(TextSegments(euros)[1].substr(0, 3), "\u20AC") << "cut between characters";
 
     const auto cutAt = [](const std::string& character, std::size_t times) {
-        std::string text(longest - 20, 'x');
-        for (std::size_t i = 0; i < times; ++i) {
-            text += character;
-        }
-        return TextSegments(text + "end")[0].size() - (longest - 20);
+        const auto text = std::string(longest - 20, 'x') + repeated(character, times * character.size()) + "end";
+        return TextSegments(text)[0].size() - (longest - 20);
     };
     EXPECT_EQ(cutAt("\U0001F469\u200D\U0001F4BB", 3), 11U) << "one person at a computer, not half of the second";
     EXPECT_EQ(cutAt("e\u0301", 10), 18U);
     EXPECT_EQ(cutAt("\u0628\u0627", 10), 20U) << "after an alef, which doesn't join the next letter";
     EXPECT_EQ(cutAt("\u0628\u0628\u0627", 10), 18U);
     EXPECT_EQ(cutAt("\u0628\u064E", 10), 0U) << "in front of a word that is all joined";
-    EXPECT_EQ(TextSegments([] {
-                  std::string beh;
-                  while (beh.size() <= longest) {
-                      beh += "\u0628";
-                  }
-                  return beh;
-              }())[0]
-                  .size(),
-              longest)
-        << "unless it is the whole line";
+    const auto joined = repeated("\u0628", longest + 1);
+    EXPECT_EQ(TextSegments(joined)[0].size(), longest) << "unless it is the whole line";
 }
 
 TEST(DisplayTextTest, HidesNothingAndMovesNothing) {
@@ -185,12 +174,8 @@ TEST(EntryViewTest, ReachesBothEndsExactlyAndMovesByPixelsBetween) {
 
 TEST(EntryViewTest, LeavesNothingOutNearItsEndsHoweverWrongItsEstimates) {
     // Narrow letters are what is measured; most of the text is five times as wide.
-    std::string narrow;
-    std::string wide;
-    for (int line = 0; line < 300; ++line) {
-        narrow.append(300, 'i').append("\n");
-        wide.append(300, 'W').append("\n");
-    }
+    const auto narrow = repeated(std::string(300, 'i') + '\n', 90'000);
+    const auto wide = repeated(std::string(300, 'W') + '\n', 90'000);
     const auto owner = shown(narrow.substr(0, 5000) + wide + narrow + wide);
     auto& view = *owner;
     const auto seenLast = [&] { return view.positionAt({0, view.viewport()->height() - padding}).segment; };
@@ -339,9 +324,16 @@ TEST(EntryViewTest, GivesScreenReadersTheRowAsText) {
     auto& view = *owner;
     auto* const list = QAccessible::queryAccessibleInterface(&view);
     EXPECT_EQ(list->role(), QAccessible::List);
-    EXPECT_EQ(list->childCount(), 1);
+    ASSERT_EQ(list->childCount(), 2);
+    for (int index = 0; index < 2; ++index) {
+        EXPECT_EQ(list->indexOfChild(list->child(index)), index);
+        EXPECT_EQ(list->child(index)->parent(), list);
+    }
+    EXPECT_EQ(list->child(2), nullptr);
+    EXPECT_EQ(list->child(1)->child(0)->role(), QAccessible::ScrollBar);
     auto& row = *list->child(0);
     EXPECT_EQ(row.role(), QAccessible::ListItem);
+    EXPECT_EQ(list->childAt(row.rect().center().x(), row.rect().center().y()), &row);
     EXPECT_TRUE(row.text(QAccessible::Name).startsWith(QStringLiteral("first\nsecond")));
     auto& content = *row.textInterface();
     const auto whole = QString::fromStdString(text);

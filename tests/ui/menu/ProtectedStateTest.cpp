@@ -3,8 +3,6 @@
 #include "ui/menu/SystemColors.hpp"
 
 #include <QAccessible>
-#include <QCoreApplication>
-#include <QTranslator>
 #include <gtest/gtest.h>
 
 namespace quorvale::ui::menu {
@@ -12,18 +10,6 @@ namespace quorvale::ui::menu {
 namespace {
 
 constexpr double iconSize = 18;
-
-class GermanTexts final : public QTranslator {
-public:
-    GermanTexts() { QCoreApplication::installTranslator(this); }
-
-    [[nodiscard]] QString translate(const char* /*context*/, const char* text, const char* /*disambiguation*/,
-                                    int /*n*/) const override {
-        return QLatin1String(text) == QLatin1String("Protected") ? QStringLiteral("Geschützt") : QString();
-    }
-
-    [[nodiscard]] bool isEmpty() const override { return false; }
-};
 
 QImage pictureOf(ProtectedState& view, int width) {
     view.resize(width, view.sizeHint().height());
@@ -34,12 +20,6 @@ QImage pictureOf(ProtectedState& view, int width) {
 }
 
 } // namespace
-
-TEST(ProtectedStateTest, LooksItsTextsUpAndShowsThoseWithoutEntryAsTheyAre) {
-    const GermanTexts german;
-    EXPECT_EQ(ProtectedLook::of(true).text, QStringLiteral("Geschützt"));
-    EXPECT_EQ(ProtectedLook::of(false).text, QStringLiteral("Unprotected"));
-}
 
 TEST(ProtectedStateTest, PutsIconAndTextWithTheirPaddingsIntoABoxOfFullWidth) {
     const auto [box, icon, text] = ProtectedGeometry::of({200, 38}, iconSize, Qt::LeftToRight);
