@@ -12,23 +12,40 @@
 #include <gtest/gtest.h>
 
 #include <concepts>
+#include <cstddef>
+#include <initializer_list>
 #include <type_traits>
 
 namespace quorvale::model {
 
 namespace {
 
-template <typename Member>
-struct TypeOf;
-
-template <typename Type, typename Class>
-struct TypeOf<Type Class::*> {
-    using Is = Type;
+struct Member {
+    std::size_t offset;
+    std::size_t size;
+    std::size_t alignment;
 };
 
-/// Whether all these members are declared with that type.
-template <typename Type, auto... members>
-constexpr bool are = (std::same_as<typename TypeOf<decltype(members)>::Is, Type> && ...);
+template <typename Declared, std::same_as<Declared> Type>
+consteval Member memberAt(std::size_t offset) {
+    return {offset, sizeof(Type), alignof(Type)};
+}
+
+/// Whether an object has just these members, in this order.
+template <typename Class>
+consteval bool hasMembers(std::initializer_list<Member> members) {
+    const auto aligned = [](std::size_t place, std::size_t alignment) {
+        return (place + alignment - 1) / alignment * alignment;
+    };
+    std::size_t end = 0;
+    for (const auto& member : members) {
+        if (member.offset != aligned(end, member.alignment)) {
+            return false;
+        }
+        end = member.offset + member.size;
+    }
+    return std::is_standard_layout_v<Class> && sizeof(Class) == aligned(end, alignof(Class));
+}
 
 /// Its owners share the one object: there is no way to a second one.
 template <typename Class>
@@ -39,36 +56,80 @@ template <typename... Classes>
 constexpr bool areShared = (isShared<Classes> && ...);
 
 using Text = std::string;
+using Texts = std::vector<std::string>;
+using Suite = std::shared_ptr<platform::defaults::UserDefaults>;
+using Queue = std::shared_ptr<platform::queue::SerialQueue>;
 template <typename Value>
 using Map = std::unordered_map<std::string, std::shared_ptr<Value>>;
 
 } // namespace
 
-static_assert(
-    are<const Text, &AgentDefaults::AllowRulesKey, &AgentDefaults::DenyRulesKey, &AgentDefaults::GeoRulesKey,
-        &AgentDefaults::AppSettingsKey, &AgentDefaults::lastUpdatedRulesKey, &AgentDefaults::restrictionSettingskey,
-        &GeoRule::isoCode, &GeoRule::country, &GeoIpRepository::sharedDefaultsKey, &EventService::sharedDefaultsKey>);
-static_assert(
-    are<std::vector<Text>, &AgentDefaults::domainWhiteList, &AgentDefaults::wildcardDomainWhiteList,
-        &AgentDefaults::processWhiteList, &AgentDefaults::domainBlackList, &AgentDefaults::wildcardDomainBlackList,
-        &AgentDefaults::processBlackList, &AgentDefaults::BlockedCountryCodes>);
-static_assert(
-    are<Text, &AllowedClass::ipAddress, &AllowedClass::dnsName, &AllowedClass::country, &BlockedClass::ipAddress>);
-static_assert(are<std::optional<Text>, &BlockedClass::host, &BlockedClass::country>);
-static_assert(are<const bool, &Restrictions::training, &Restrictions::geographyLock, &Restrictions::allowLock,
-                  &Restrictions::denyLock>);
-static_assert(are<double, &AllowedClass::timeStamp, &AllowedClass::julian>);
-static_assert(are<std::int64_t, &AllowedClass::port, &BlockedCacheService::bytesBlocked>);
-static_assert(are<std::int32_t, &AllowedClass::bytesOut> && are<std::int16_t, &AllowedClass::requests>);
-static_assert(
-    are<const std::int64_t, &BlockedCacheService::blocksCacheSize, &GeoIpRepository::limit, &EventService::limit>);
-static_assert(are<ThreatType, &BlockedClass::type> && are<const RuleSource, &GeoRule::source>);
-static_assert(are<std::unordered_map<ThreatType, bool>, &AgentDefaults::appSettings>);
-static_assert(are<std::optional<Restrictions>, &AgentDefaults::restrictions>);
-static_assert(are<const std::shared_ptr<platform::defaults::UserDefaults>, &AgentDefaults::groupDefaults>);
-static_assert(are<const std::shared_ptr<platform::queue::SerialQueue>, &GeoIpRepository::geoStorageQueue>);
-static_assert(are<Map<AllowedClass>, &AllowedCacheService::allowedMap> &&
-              are<Map<BlockedClass>, &BlockedCacheService::blockedMap>);
+// clang-format off
+#define MEMBER(name, ...) memberAt<decltype(Class::name), __VA_ARGS__>(offsetof(Class, name))
+#define HAS_MEMBERS(name, ...) static_assert([] { using Class = name; return hasMembers<Class>({__VA_ARGS__}); }())
+
+HAS_MEMBERS(AgentDefaults,
+    MEMBER(AllowRulesKey,           const Text),
+    MEMBER(DenyRulesKey,            const Text),
+    MEMBER(GeoRulesKey,             const Text),
+    MEMBER(AppSettingsKey,          const Text),
+    MEMBER(lastUpdatedRulesKey,     const Text),
+    MEMBER(restrictionSettingskey,  const Text),
+    MEMBER(domainWhiteList,         Texts),
+    MEMBER(wildcardDomainWhiteList, Texts),
+    MEMBER(processWhiteList,        Texts),
+    MEMBER(domainBlackList,         Texts),
+    MEMBER(wildcardDomainBlackList, Texts),
+    MEMBER(processBlackList,        Texts),
+    MEMBER(BlockedCountryCodes,     Texts),
+    MEMBER(appSettings,             std::unordered_map<ThreatType, bool>),
+    MEMBER(restrictions,            std::optional<Restrictions>),
+    MEMBER(groupDefaults,           const Suite));
+
+HAS_MEMBERS(AllowedClass,
+    MEMBER(ipAddress, Text),
+    MEMBER(dnsName,   Text),
+    MEMBER(country,   Text),
+    MEMBER(timeStamp, double),
+    MEMBER(julian,    double),
+    MEMBER(port,      std::int64_t),
+    MEMBER(bytesOut,  std::int32_t),
+    MEMBER(requests,  std::int16_t));
+
+HAS_MEMBERS(BlockedClass,
+    MEMBER(type,      ThreatType),
+    MEMBER(host,      std::optional<Text>),
+    MEMBER(country,   std::optional<Text>),
+    MEMBER(ipAddress, Text));
+
+HAS_MEMBERS(GeoRule,
+    MEMBER(isoCode, const Text),
+    MEMBER(source,  const RuleSource),
+    MEMBER(country, const Text));
+
+HAS_MEMBERS(Restrictions,
+    MEMBER(training,      const bool),
+    MEMBER(geographyLock, const bool),
+    MEMBER(allowLock,     const bool),
+    MEMBER(denyLock,      const bool));
+
+HAS_MEMBERS(AllowedCacheService,
+    MEMBER(allowedMap, Map<AllowedClass>));
+
+HAS_MEMBERS(BlockedCacheService,
+    MEMBER(blockedMap,      Map<BlockedClass>),
+    MEMBER(blocksCacheSize, const std::int64_t),
+    MEMBER(bytesBlocked,    std::int64_t));
+
+HAS_MEMBERS(GeoIpRepository,
+    MEMBER(sharedDefaultsKey, const Text),
+    MEMBER(limit,             const std::int64_t),
+    MEMBER(geoStorageQueue,   const Queue));
+
+HAS_MEMBERS(EventService,
+    MEMBER(limit,             const std::int64_t),
+    MEMBER(sharedDefaultsKey, const Text));
+// clang-format on
 
 static_assert(std::is_empty_v<AppSettingsHelper> && std::is_empty_v<DNSParsingHelpers> && std::is_empty_v<IPHelper> &&
               std::is_empty_v<PacketParsingHelper>);
