@@ -50,7 +50,7 @@ OVERVIEW = call("org.gnome.Shell", "/org/gnome/Shell", "org.freedesktop.DBus.Pro
                 "org.gnome.Shell OverviewActive {}")
 
 
-def gnome(start, release=12, **environment):
+def gnome(start, release=12, is_steady=False, **environment):
     """GNOME Shell with the AppIndicator extension, started by `start`, out of its overview."""
     return Panel(
         [
@@ -64,6 +64,7 @@ def gnome(start, release=12, **environment):
             (OVERVIEW.format("Set", "'<false>'"), f"{OVERVIEW.format('Get', '')} | grep -q false"),
         ],
         release=release,
+        is_steady=is_steady,
         opens=Opens.MENU,
         files={
             ".config/glib-2.0/settings/keyfile": """[org/gnome/shell]
@@ -162,6 +163,7 @@ type=worldclock
             ),
             ("plasmashell --no-respawn", HOST),
         ],
+        is_steady=True,
         environment=KDE | {"KDE_SESSION_VERSION": "5"},
     ),
     "cinnamon": Panel(
@@ -172,7 +174,7 @@ type=worldclock
         ],
         environment={"XDG_CURRENT_DESKTOP": "X-Cinnamon", "GSETTINGS_BACKEND": "keyfile"},
     ),
-    "gnome-x11": gnome("gnome-shell --x11"),
+    "gnome-x11": gnome("gnome-shell --x11", is_steady=True),
     "gnome-wayland": gnome(NESTED_GNOME, XDG_SESSION_TYPE="wayland", WAYLAND_DISPLAY="wayland-9"),
     "gnome48-x11": gnome("gnome-shell --x11", release=13),
     "gnome48-wayland": gnome(NESTED_GNOME, release=13, XDG_SESSION_TYPE="wayland", WAYLAND_DISPLAY="wayland-9"),
