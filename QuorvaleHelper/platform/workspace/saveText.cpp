@@ -36,7 +36,7 @@ QStringList outside(QStringList command) {
 
 } // namespace
 
-void saveText(const std::string& path, std::shared_ptr<const std::string> text,
+void saveText(const std::string& path, const std::shared_ptr<const std::string>& text,
               std::function<void(std::expected<void, std::string>)> done) {
     const QFileInfo file(QString::fromStdString(path));
     const auto target = file.exists() ? file.canonicalFilePath() : file.absoluteFilePath();

@@ -13,7 +13,7 @@ namespace quorvale::platform::workspace {
 ///
 /// `done` runs later, once the file is on the disk, or with a sentence on why it isn't. A process that ends before that
 /// leaves what was there. Main thread.
-void saveText(const std::string& path, std::shared_ptr<const std::string> text,
+void saveText(const std::string& path, const std::shared_ptr<const std::string>& text,
               std::function<void(std::expected<void, std::string>)> done);
 
 } // namespace quorvale::platform::workspace

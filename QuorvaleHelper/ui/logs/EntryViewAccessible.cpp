@@ -8,6 +8,7 @@
 #include <QScrollBar>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <memory>
@@ -249,7 +250,9 @@ int EntryViewAccessible::childCount() const {
 
 QAccessibleInterface* EntryViewAccessible::child(int index) const {
     const auto widgets = children();
-    return index >= 0 && index < childCount() ? QAccessible::queryAccessibleInterface(widgets[index]) : nullptr;
+    return index >= 0 && index < childCount()
+               ? QAccessible::queryAccessibleInterface(widgets[static_cast<std::size_t>(index)])
+               : nullptr;
 }
 
 int EntryViewAccessible::indexOfChild(const QAccessibleInterface* child) const {
