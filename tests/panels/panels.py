@@ -96,7 +96,7 @@ def sway(release, **not_applicable):
             ("waybar", HOST),
         ],
         release=release,
-        is_steady=release == 12,
+        is_steady=True,
         other_tab=(100, 28),
         not_applicable=not_applicable,
         at_edge=True,
@@ -176,8 +176,10 @@ type=worldclock
     ),
     "gnome-x11": gnome("gnome-shell --x11", is_steady=True),
     "gnome-wayland": gnome(NESTED_GNOME, XDG_SESSION_TYPE="wayland", WAYLAND_DISPLAY="wayland-9"),
-    "gnome48-x11": gnome("gnome-shell --x11", release=13),
-    "gnome48-wayland": gnome(NESTED_GNOME, release=13, XDG_SESSION_TYPE="wayland", WAYLAND_DISPLAY="wayland-9"),
+    "gnome48-x11": gnome("gnome-shell --x11", release=13, is_steady=True),
+    "gnome48-wayland": gnome(
+        NESTED_GNOME, release=13, is_steady=True, XDG_SESSION_TYPE="wayland", WAYLAND_DISPLAY="wayland-9"
+    ),
     "sway": sway(12, place="Debian 12 has no layer-shell for Qt 6"),
     "sway-1.10": sway(13),
     "plasma6-wayland": Panel(
@@ -190,6 +192,7 @@ type=worldclock
             ("plasmashell --no-respawn", HOST),
         ],
         release=13,
+        is_steady=True,
         at_edge=True,
         environment=KDE
         | {"KDE_SESSION_VERSION": "6", "XDG_SESSION_TYPE": "wayland", "WAYLAND_DISPLAY": "wayland-9"},
