@@ -2,12 +2,23 @@
 
 #include <QFile>
 #include <QGuiApplication>
+#include <QLibraryInfo>
 #include <QLocale>
 #include <QTranslator>
 
 #include <memory>
+#include <utility>
 
 namespace quorvale::ui::common {
+
+namespace {
+
+void install(std::unique_ptr<QTranslator> table) {
+    table->setParent(qApp);
+    QCoreApplication::installTranslator(table.release());
+}
+
+} // namespace
 
 QString localized(const char* key) {
     return QCoreApplication::translate("", key);
@@ -29,8 +40,13 @@ std::expected<void, QString> loadLocalizedTexts(const QString& folder, const QSt
         if (!table->load(path)) {
             return std::unexpected(QStringLiteral("%1 is no table of texts").arg(path));
         }
-        table->setParent(qApp);
-        QCoreApplication::installTranslator(table.release());
+        install(std::move(table));
+        // What the toolkit's own dialogs and menus say is in a package of its own, which may not be there.
+        auto toolkit = std::make_unique<QTranslator>();
+        if (toolkit->load(locale, QStringLiteral("qtbase"), QStringLiteral("_"),
+                          QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
+            install(std::move(toolkit));
+        }
         if (locale.textDirection() == Qt::RightToLeft) {
             QGuiApplication::setLayoutDirection(Qt::RightToLeft);
         }

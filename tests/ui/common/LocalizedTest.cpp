@@ -79,6 +79,8 @@ TEST_F(LocalizedTest, AreThoseOfTheFirstLanguageThatHasSome) {
     }
     EXPECT_EQ(QGuiApplication::layoutDirection(), Qt::RightToLeft);
     EXPECT_EQ(localized("Settings..."), QStringLiteral("Settings...")) << "a key without an entry";
+    EXPECT_EQ(protectedIn({QStringLiteral("de_AT")}), QStringLiteral("Geschützt"));
+    EXPECT_EQ(QCoreApplication::translate("QPlatformTheme", "Cancel"), QStringLiteral("Abbrechen")) << "the toolkit's";
 }
 
 TEST_F(LocalizedTest, AreTheKeysWhereTheTableIsMissingOrBroken) {
